@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+
+/// A file name as the file system takes it: wide on Windows, UTF-8 elsewhere.
+inline std::filesystem::path nativePath(const QString& path)
+{
+    return std::filesystem::u8path(path.toStdString());
+}

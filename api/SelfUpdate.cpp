@@ -1,0 +1,111 @@
+#include "api/SelfUpdate.h"
+
+#include "api/NativePath.h"
+#include "api/VelstrandAPI.h"
+#include "logging/Log.h"
+#include "toolkit/ZipArchive.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QProcess>
+
+namespace fs = std::filesystem;
+
+namespace
+{
+
+const fs::path kExecutable = "Velstrand.exe";
+const fs::path kParked = "temp.dat";
+
+/// True when nothing is left at @p path, whatever was there. Links are removed, never followed.
+bool removeAll(const fs::path& path)
+{
+    std::error_code error;
+    fs::remove_all(path, error);
+    return !error;
+}
+
+const char* outcome(bool done)
+{
+    return done ? "success" : "false";
+}
+
+/// Sets the running executable aside. Never replaces what an earlier update has parked.
+bool parkExecutable()
+{
+    std::error_code error;
+    if (fs::symlink_status(kParked, error).type() != fs::file_type::not_found)
+        return false;
+    fs::rename(kExecutable, kParked, error);
+    return !error;
+}
+
+/// Puts the unpacked executable into the place of the parked one: by a move, so that the folder is without an
+/// executable as short as can be, and by a copy only where the temporary folder lies on another volume.
+bool placeExecutable(const fs::path& unpacked)
+{
+    std::error_code error;
+    if (!fs::is_regular_file(fs::symlink_status(unpacked, error)))
+        return false;
+    fs::rename(unpacked, kExecutable, error);
+    if (!error)
+        return true;
+
+    fs::path partial = kExecutable;
+    partial += ".part";
+    error.clear();
+    fs::copy_file(unpacked, partial, fs::copy_options::overwrite_existing, error);
+    if (!error)
+        fs::rename(partial, kExecutable, error);
+    if (error)
+        removeAll(partial);
+    return !error;
+}
+
+} // namespace
+
+void installNewVersion(const VelstrandAPI& api, int version, const QString& url)
+{
+    LOG_D << "new version: " << version << " path: " << url;
+
+    const QString folder = QDir::currentPath() + QStringLiteral("/tmp");
+    if (!QDir(folder).exists() && !QDir().mkdir(folder)) {
+        LOG_D << "Create tmp folder failed!";
+        return;
+    }
+    const QString archive = folder + QStringLiteral("/velstrand_%1.zip").arg(version);
+    const QString unpacked = folder + QStringLiteral("/velstrand");
+    const QString newExecutable = unpacked + QStringLiteral("/Velstrand.exe");
+
+    // An attempt that was broken off may have left anything under these names.
+    removeAll(nativePath(archive));
+    removeAll(nativePath(unpacked));
+
+    if (!api.downloadFile(url, archive))
+        return;
+    LOG_D << "Download new version successful!";
+
+    toolkit::ZipArchive zip;
+    if (!zip.OpenZip(nativePath(archive)) || zip.Unzip(nativePath(folder)) < 0) {
+        LOG_D << QString::fromStdString(zip.LastErrorText());
+        return;
+    }
+    QMessageLogger().debug() << "[D][" << __func__ << "]Unzip success!";
+
+    std::error_code error;
+    if (fs::exists(fs::symlink_status(nativePath(newExecutable), error))) {
+        if (!parkExecutable())
+            LOG_D << newExecutable << " don't exist";
+        else if (!placeExecutable(nativePath(newExecutable)))
+            LOG_D << "Copy new bin failed!";
+    }
+
+    LOG_D << "delete " << unpacked << " : " << outcome(removeAll(nativePath(unpacked)));
+    zip.CloseZip();
+    LOG_D << "delete " << archive << " : " << outcome(removeAll(nativePath(archive)));
+
+    const QString executable = QDir::current().absoluteFilePath(QStringLiteral("Velstrand.exe"));
+    QProcess::startDetached(executable, QStringList(), QDir::currentPath());
+    // The event loop belongs to another thread: asked through its queue, not touched.
+    QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
+}

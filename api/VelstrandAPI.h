@@ -1,0 +1,50 @@
+#pragma once
+
+#include "api/APIBase.h"
+
+#include <QJsonArray>
+#include <QStringList>
+
+/// The service's operations. Each blocks until it is answered, may run on any thread, never throws and
+/// returns whether the service carried it out; an out argument is written on success only. Every request
+/// carries the user's token.
+class VelstrandAPI : public APIBase
+{
+    Q_OBJECT
+
+public:
+    /// Reads the origin and the trust anchors: VELSTRAND_SERVICE_URL and VELSTRAND_CA_FILE of the
+    /// environment, else the origin that was compiled in and the system's store.
+    explicit VelstrandAPI(QObject* parent = nullptr);
+
+    /// @p configJson becomes the configuration as compact JSON text. It is also written, as the service's
+    /// data stand, when the service succeeds with data of another shape; the result is then false.
+    bool getGlobalConfig(const QString& token, QString* configJson) const;
+    bool getDeviceList(const QString& token, QJsonArray* array) const;
+    bool confirmDevice(const QString& token, const QString& androidId) const;
+    bool deleteDevice(const QString& token, const QString& androidId) const;
+    bool saveDeviceConfig(const QString& token, const QString& androidId,
+                          const QJsonObject& deviceConfig) const;
+    bool getUserInfo(const QString& token, QJsonObject* userInfo) const;
+    /// @p androidId limits the list to one device; empty for all.
+    bool getCloneList(const QString& token, const QString& androidId, QJsonArray* array) const;
+    bool addClones(const QString& token, const QString& network, const QJsonArray& clones) const;
+    bool updateGlobalConfig(const QString& token, const QJsonObject& globalConfig) const;
+    bool getReports(const QString& token, const QJsonArray& dateList, QJsonObject* reports) const;
+    bool upsertFarmProfile(const QString& token, const QJsonObject& farmProfile) const;
+    bool resetLiveClones(const QString& token, const QStringList& cloneIds) const;
+    bool deleteClones(const QString& token, const QStringList& cloneIds) const;
+    bool updateCloneFarmProfile(const QString& token, const QStringList& cloneIds,
+                                const QString& farmProfile) const;
+
+    /// Uploads the file at @p filePath as version @p version of the definitions. @p errorText, if given, is
+    /// set when the file cannot be read or the upload is not answered.
+    bool pushDefinition(const QString& token, int version, const QString& filePath,
+                        QString* errorText = nullptr) const;
+    /// Fetches version @p version of the definitions and writes the text of the archive's first entry to the
+    /// log.
+    bool getDefinition(const QString& token, int version) const;
+
+    /// GETs @p url into the file @p outputPath; the file is only ever whole.
+    bool downloadFile(const QString& url, const QString& outputPath) const;
+};

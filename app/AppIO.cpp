@@ -1,0 +1,56 @@
+#include "app/AppIO.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeyEvent>
+
+AppIO::AppIO(QGuiApplication* application) : QObject(application), m_application(application)
+{
+    m_application->installEventFilter(this);
+}
+
+Qt::KeyboardModifiers AppIO::keyboardModifiers() const
+{
+    return m_keyboardModifiers;
+}
+
+void AppIO::sendToClibboard(const QString& text)
+{
+    QGuiApplication::clipboard()->setText(text);
+}
+
+bool AppIO::eventFilter(QObject* watched, QEvent* event)
+{
+    // A key event passes the application once for its window and once for each item that it is offered to;
+    // only the window's counts.
+    if (watched->isWindowType()) {
+        if (event->type() == QEvent::KeyPress)
+            keyPressed(static_cast<QKeyEvent*>(event)->key());
+        else if (event->type() == QEvent::KeyRelease)
+            updateModifiers(static_cast<QKeyEvent*>(event)->key());
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void AppIO::keyPressed(int key)
+{
+    const bool controlAlone = m_keyboardModifiers == Qt::ControlModifier;
+    if (key == Qt::Key_A && controlAlone)
+        emit keyboardSelectAll();
+    else if (key == Qt::Key_C && controlAlone)
+        emit keyboardCopy();
+    else
+        updateModifiers(key);
+}
+
+void AppIO::updateModifiers(int key)
+{
+    if (key != Qt::Key_Shift && key != Qt::Key_Control)
+        return;
+    // The modifiers of the key's own event do not count that key yet; the system's do.
+    const auto modifiers = m_application->queryKeyboardModifiers();
+    if (modifiers == m_keyboardModifiers)
+        return;
+    m_keyboardModifiers = modifiers;
+    emit keyboardModifiersChanged();
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "models/UserInfo.h"
+
+#include <QMutex>
+
+#include <memory>
+
+class Application;
+class VelstrandAPI;
+
+/// The way from jobs to the controller, which they may outlive: nothing is delivered once it is closed.
+class JobOutlet
+{
+public:
+    explicit JobOutlet(Application* controller) : m_controller(controller) {}
+
+    /// Called by the controller's destructor; waits for a delivery that is under way.
+    void close()
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_controller = nullptr;
+    }
+
+    /// Calls @p message with the controller unless it is gone. Any thread; @p message only emits signals,
+    /// which are queued to the UI thread.
+    template <typename Message>
+    void deliver(Message message)
+    {
+        const QMutexLocker lock(&m_mutex);
+        if (m_controller)
+            message(m_controller);
+    }
+
+private:
+    QMutex m_mutex;
+    /// Read by workers, cleared by the UI thread; guarded by the mutex.
+    Application* m_controller;
+};
+
+/// What a job on a worker thread works with: values and shared references only, nothing that the UI thread
+/// may delete under it.
+struct Job {
+    std::shared_ptr<VelstrandAPI> api;
+    /// Reads the token as it is at the moment of the call.
+    UserInfo::TokenReader token;
+    std::shared_ptr<JobOutlet> outlet;
+};

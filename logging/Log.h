@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QDebug>
+#include <QMessageLogger>
+
+/// Starts one log line of the program: "[D][ operation ][ line ]", to which the caller streams the message.
+/// Lines go to Qt's debug stream without file or function context, so any installed message handler sees
+/// them. Safe on every thread.
+inline QDebug logLine(const char* operation, int line)
+{
+    return QMessageLogger().debug() << "[D][" << operation << "][" << line << "]";
+}
+
+/// A log line in the name of the function that it stands in. In a lambda name the operation:
+/// LOG_AS("checkUser") << ...
+#define LOG_D logLine(__func__, __LINE__)
+#define LOG_AS(operation) logLine(operation, __LINE__)

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace toolkit
+{
+
+/// A multipart request that is built field by field and sent with HttpClient::SynchronousRequest.
+/// Used on one thread. Text is UTF-8. A header or field that holds CR, LF or NUL is refused when the request
+/// is sent.
+class HttpRequest
+{
+public:
+    void SetVerb(std::string verb);
+    /// The path on the server, beginning with "/".
+    void Path(std::string path);
+    /// Only "multipart/form-data" can be sent.
+    void SetContentType(std::string contentType);
+    /// Appends one header line; lines are sent in the order in which they were added.
+    void AddHeader(std::string name, std::string value);
+    /// Appends one text field to the form.
+    void AddParam(std::string name, std::string value);
+    /// Appends one file part. The file is read while the request is sent, so that memory does not grow with
+    /// it. False, with LastErrorText set, when the file is missing, is no regular file or cannot be read.
+    bool AddFileForUpload(std::string name, std::filesystem::path file);
+
+    const std::string& LastErrorText() const { return m_lastError; }
+
+private:
+    friend class HttpClient;
+
+    struct FilePart {
+        std::string name;
+        std::filesystem::path path;
+    };
+
+    std::string m_verb = "GET";
+    std::string m_path = "/";
+    std::string m_contentType;
+    std::vector<std::pair<std::string, std::string>> m_headers;
+    std::vector<std::pair<std::string, std::string>> m_params;
+    std::vector<FilePart> m_files;
+    std::string m_lastError;
+};
+
+} // namespace toolkit
