@@ -1,0 +1,24 @@
+#pragma once
+
+#include "models/Property.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <QVariantMap>
+
+/// What an operator may set on a device.
+class DeviceConfig : public QObject
+{
+    Q_OBJECT
+    /// Index of the choice: 0 wifi, 1 cellular.
+    NOTIFYING_PROPERTY(int, connectivityType, setConnectivityType);
+    NOTIFYING_PROPERTY(QString, deviceLabel, setDeviceLabel);
+
+public:
+    explicit DeviceConfig(QObject* parent = nullptr);
+
+    /// Takes the keys that @p record holds.
+    void read(const QVariantMap& record);
+    /// The form in which the service stores it.
+    QJsonObject toJson() const;
+};

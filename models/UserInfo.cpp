@@ -1,0 +1,104 @@
+#include "models/UserInfo.h"
+
+#include "logging/Log.h"
+#include "models/FarmProfile.h"
+#include "models/Json.h"
+
+#include <algorithm>
+#include <mutex>
+
+struct UserInfo::SharedToken {
+    std::mutex mutex;
+    QString value;
+
+    QString read()
+    {
+        const std::lock_guard lock(mutex);
+        return value;
+    }
+};
+
+UserInfo::UserInfo(const QString& token, QObject* parent)
+    : QObject(parent), m_token(std::make_shared<SharedToken>())
+{
+    m_token->value = token;
+}
+
+QString UserInfo::token() const
+{
+    return m_token->read();
+}
+
+void UserInfo::setToken(const QString& token)
+{
+    {
+        const std::lock_guard lock(m_token->mutex);
+        if (m_token->value == token)
+            return;
+        m_token->value = token;
+    }
+    emit tokenChanged();
+    if (token.isEmpty())
+        setIsValidated(false);
+}
+
+TokenReader UserInfo::tokenReader() const
+{
+    return [token = m_token] { return token->read(); };
+}
+
+bool UserInfo::applyInfo(const QJsonObject& answer)
+{
+    static const json::Fields<UserInfo> fields{
+        {QStringLiteral("fullname"), json::readText<&UserInfo::setFullName>},
+        {QStringLiteral("user_type"), json::readInteger<&UserInfo::setUserType>},
+        {QStringLiteral("username"), json::readText<&UserInfo::setUserName>},
+        {QStringLiteral("phonenumber"), json::readText<&UserInfo::setPhoneNumber>},
+        {QStringLiteral("farm_profiles"),
+         [](UserInfo* user, const QVariant& value) { user->replaceFarmProfiles(value.toMap()); }},
+    };
+    const QString acceptedToken = answer.value(QLatin1String("token")).toString();
+    if (acceptedToken.isEmpty()) {
+        setIsValidated(false);
+        return false;
+    }
+    setToken(acceptedToken);
+    setIsValidated(true);
+    json::readFields(answer.toVariantMap(), fields, this);
+    return true;
+}
+
+void UserInfo::replaceFarmProfiles(const QVariantMap& profiles)
+{
+    QList<QObject*> list;
+    for (auto it = profiles.cbegin(); it != profiles.cend(); ++it) {
+        auto* profile = new FarmProfile(it.key(), this);
+        profile->readActions(it.value().toMap());
+        list.append(profile);
+    }
+    if (list == m_farmProfiles)
+        return;
+    // The scene still shows the old profiles until it has heard of the new ones.
+    m_farmProfiles.swap(list);
+    emit farmProfilesChanged();
+    for (QObject* old : qAsConst(list))
+        old->deleteLater();
+}
+
+void UserInfo::createTempProfile()
+{
+    const auto taken = [this](const QString& name) {
+        return std::any_of(m_farmProfiles.cbegin(), m_farmProfiles.cend(), [&](const QObject* profile) {
+            return static_cast<const FarmProfile*>(profile)->profileName() == name;
+        });
+    };
+    QString name;
+    for (int i = 0; name.isEmpty() || taken(name); ++i)
+        name = QStringLiteral("Profile-%1").arg(i);
+    LOG_D << "name; " << name;
+
+    auto* profile = new FarmProfile(name, this);
+    profile->setTemp(true);
+    m_farmProfiles.append(profile);
+    emit farmProfilesChanged();
+}
