@@ -43,6 +43,6 @@ private:
 struct Job {
     std::shared_ptr<VelstrandAPI> api;
     /// Reads the token as it is at the moment of the call.
-    UserInfo::TokenReader token;
+    TokenReader token;
     std::shared_ptr<JobOutlet> outlet;
 };
