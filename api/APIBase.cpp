@@ -6,8 +6,7 @@
 
 #include <QJsonArray>
 
-namespace
-{
+namespace {
 
 constexpr int kTimeoutSeconds = 30;
 

@@ -6,8 +6,7 @@
 #include <QObject>
 #include <QString>
 
-namespace toolkit
-{
+namespace toolkit {
 class HttpClient;
 enum class Exchange;
 } // namespace toolkit

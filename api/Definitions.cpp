@@ -11,8 +11,7 @@
 // The transfers of VelstrandAPI that are not JSON in, JSON out: the definitions both ways, and plain
 // downloads.
 
-namespace
-{
+namespace {
 
 constexpr int kHttpsPort = 443;
 constexpr char kDefinitionsPassword[] = "0417385926";

@@ -11,8 +11,7 @@
 
 namespace fs = std::filesystem;
 
-namespace
-{
+namespace {
 
 const fs::path kExecutable = "Velstrand.exe";
 const fs::path kParked = "temp.dat";

@@ -7,8 +7,7 @@
 
 using toolkit::Exchange;
 
-namespace
-{
+namespace {
 
 QJsonObject withToken(const QString& token)
 {

@@ -18,8 +18,7 @@
 #include <QTimer>
 #include <QtConcurrent>
 
-namespace
-{
+namespace {
 
 constexpr int kVersionCheckIntervalMs = 10000;
 const QString kTokenKey = QStringLiteral("user_token");

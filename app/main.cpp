@@ -10,8 +10,7 @@
 #include <QQmlContext>
 #include <QTranslator>
 
-namespace
-{
+namespace {
 
 /// Installs the translation of the first of the user's languages that has one.
 void installTranslation(QTranslator* translator)

@@ -4,8 +4,7 @@
 
 #include <QQmlEngine>
 
-namespace
-{
+namespace {
 
 constexpr int REPORT_DAYS = 10;
 
@@ -81,6 +80,13 @@ void AppModel::setClones(const QVariantList& records)
     }
     if (list.holder)
         list.holder->deleteLater();
+}
+
+void AppModel::clearFarm()
+{
+    setDevices({});
+    setClones({});
+    publishReports({}, QDate::currentDate());
 }
 
 void AppModel::refreshCloneCounts()

@@ -52,6 +52,9 @@ public:
     /// are no objects are left out.
     void setDevices(const QVariantList& records);
 
+    /// Empties the devices, the clones and the reports: another account's farm comes next.
+    void clearFarm();
+
     const QList<QObject*>& cloneList() const { return m_clones.objects; }
     const QVector<CloneInfo*>& clones() const { return m_clones.records; }
     /// The same for the clones. Every new clone passes the filter.

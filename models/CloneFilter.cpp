@@ -4,8 +4,7 @@
 
 #include <limits>
 
-namespace
-{
+namespace {
 
 std::optional<QSet<QString>> texts(const QVariant& list)
 {

@@ -3,8 +3,7 @@
 #include <QJsonArray>
 #include <QString>
 
-namespace CloneImport
-{
+namespace CloneImport {
 
 /// The clones that @p text lists, ready for the service: a line each, "uid|password" or "uid|password|secret
 /// key"; further fields are ignored, lines with fewer are skipped. White space collapses to single blanks

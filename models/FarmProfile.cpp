@@ -3,8 +3,7 @@
 #include "models/FarmActionConfig.h"
 #include "models/Json.h"
 
-namespace
-{
+namespace {
 
 const char* const ACTION_NAMES[] = {
     "facebook_feed",        "facebook_feed_like",          "facebook_watch",

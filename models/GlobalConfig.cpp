@@ -2,8 +2,7 @@
 
 #include "models/Json.h"
 
-namespace
-{
+namespace {
 
 struct Field {
     QLatin1String key;

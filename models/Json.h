@@ -6,8 +6,7 @@
 
 /// Reading what the service's JSON holds. The service is not trusted to send the kind of value that is
 /// wanted: any other kind gives the default, never an error.
-namespace json
-{
+namespace json {
 
 /// A string as it is, a number as its decimal text; empty for anything else.
 QString text(const QVariant& value);
