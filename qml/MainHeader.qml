@@ -1,0 +1,221 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import "component"
+
+Item {
+    id: root
+
+    readonly property real iconWidth: logo.paintedWidth
+    readonly property string fullName: oneLine(AppModel.userInfo.fullName)
+
+    /// What the service sends, made fit for a label: one line of bounded length.
+    function oneLine(text) {
+        return text.substring(0, 200).replace(/[\x00-\x1f\x7f\x85\u2028\u2029]+/g, " ")
+    }
+
+    Image {
+        id: logo
+
+        objectName: "logo"
+        anchors.left: parent.left
+        anchors.verticalCenter: parent.verticalCenter
+        height: parent.height - 4
+        fillMode: Image.PreserveAspectFit
+        source: "qrc:/images/velstrand_logo.png"
+    }
+
+    AbstractButton {
+        id: userBlock
+
+        objectName: "userBlock"
+        anchors.right: parent.right
+        anchors.verticalCenter: parent.verticalCenter
+        width: userName.contentWidth + 10
+        height: userIcon.height + userName.height + 10
+        padding: 0
+
+        Accessible.role: Accessible.Button
+        Accessible.name: qsTr("Account: %1").arg(root.fullName)
+
+        Keys.onReturnPressed: click()
+        Keys.onEnterPressed: click()
+        Keys.onEscapePressed: accountPanel.hidden = true
+
+        onClicked: accountPanel.hidden = !accountPanel.hidden
+
+        contentItem: Item {
+            Image {
+                id: userIcon
+
+                anchors.top: parent.top
+                anchors.horizontalCenter: parent.horizontalCenter
+                width: 30
+                height: 30
+                source: "qrc:/images/user_icon.png"
+            }
+
+            Text {
+                id: userName
+
+                objectName: "userName"
+                anchors.top: userIcon.bottom
+                anchors.topMargin: 10
+                anchors.horizontalCenter: parent.horizontalCenter
+                width: Math.min(implicitWidth, accountPanel.width)
+                height: 10
+                horizontalAlignment: Text.AlignHCenter
+                verticalAlignment: Text.AlignVCenter
+                text: qsTr(root.fullName)
+                textFormat: Text.PlainText
+                elide: Text.ElideRight
+            }
+        }
+
+        FocusFrame {
+            anchors.margins: -4
+            visible: userBlock.visualFocus
+        }
+    }
+
+    Rectangle {
+        id: accountPanel
+
+        property bool hidden: true
+
+        objectName: "accountPanel"
+        anchors.top: userBlock.bottom
+        anchors.right: parent.right
+        width: 400
+        height: hidden ? 0 : currentUser.height + otherUsers.height + addAccount.height
+        visible: height > 0
+        clip: true
+        radius: 10
+        color: "#cce6ff"
+
+        Keys.onEscapePressed: {
+            hidden = true
+            userBlock.forceActiveFocus(Qt.TabFocusReason)
+        }
+
+        Behavior on height {
+            NumberAnimation {
+                duration: 500
+                easing.type: Easing.InOutCubic
+            }
+        }
+
+        // The panel lies over the page: what is pressed or rolled here is not meant for the page.
+        MouseArea {
+            anchors.fill: parent
+            onWheel: wheel.accepted = true
+        }
+
+        Item {
+            id: currentUser
+
+            objectName: "currentUser"
+            anchors.top: parent.top
+            width: parent.width
+            height: 70
+
+            Rectangle {
+                anchors.centerIn: currentIcon
+                width: currentIcon.width + 6
+                height: width
+                radius: width / 2
+                color: "green"
+            }
+
+            Image {
+                id: currentIcon
+
+                anchors.left: parent.left
+                anchors.leftMargin: 30
+                anchors.verticalCenter: parent.verticalCenter
+                width: 30
+                height: 30
+                source: "qrc:/images/user_icon.png"
+            }
+
+            Text {
+                objectName: "currentUserText"
+                anchors.left: currentIcon.right
+                anchors.leftMargin: 15
+                anchors.right: parent.right
+                anchors.rightMargin: 10
+                anchors.verticalCenter: parent.verticalCenter
+                text: qsTr(root.fullName + "\n" + root.oneLine(AppModel.userInfo.token))
+                textFormat: Text.PlainText
+                elide: Text.ElideRight
+            }
+
+            Rectangle {
+                anchors.bottom: parent.bottom
+                width: parent.width
+                height: 1
+                color: "white"
+            }
+        }
+
+        // Room for further accounts.
+        Item {
+            id: otherUsers
+
+            anchors.top: currentUser.bottom
+            width: parent.width
+            height: 0
+        }
+
+        AbstractButton {
+            id: addAccount
+
+            objectName: "addAccount"
+            anchors.top: otherUsers.bottom
+            width: parent.width
+            height: 50
+            enabled: !accountPanel.hidden
+            text: qsTr("Add new account")
+
+            Accessible.role: Accessible.Button
+            Accessible.name: text
+
+            Keys.onReturnPressed: click()
+            Keys.onEnterPressed: click()
+
+            onClicked: {
+                AppModel.userInfo.token = ""
+                accountPanel.hidden = !accountPanel.hidden
+            }
+
+            contentItem: Item {
+                Image {
+                    id: addIcon
+
+                    anchors.left: parent.left
+                    anchors.leftMargin: 30
+                    anchors.verticalCenter: parent.verticalCenter
+                    width: 30
+                    height: 30
+                    source: "qrc:/images/add_user_icon.png"
+                }
+
+                Text {
+                    anchors.left: addIcon.right
+                    anchors.leftMargin: 15
+                    anchors.verticalCenter: parent.verticalCenter
+                    text: addAccount.text
+                    textFormat: Text.PlainText
+                }
+            }
+
+            background: Rectangle {
+                radius: accountPanel.radius
+                color: addAccount.hovered || addAccount.down ? "#99ccff" : "transparent"
+
+                FocusFrame {
+                    visible: addAccount.visualFocus
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,132 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import "."
+import "component"
+
+FocusScope {
+    id: root
+
+    property alias currentIndex: list.currentIndex
+    readonly property string currentSource: menuModel[currentIndex].source
+    readonly property var menuModel: [
+        { id: QmlDefines._HOME, label: qsTr("Home"), source: "qrc:/qml/menu/Home.qml", visible: true },
+        { id: QmlDefines._DEVICES, label: qsTr("Devices"), source: "qrc:/qml/menu/DeviceList.qml", visible: true },
+        { id: QmlDefines._CLONES, label: qsTr("Clones"), source: "qrc:/qml/menu/CloneList.qml", visible: true },
+        { id: QmlDefines._ADMIN_SETTINGS, label: qsTr("Admin Settings"),
+          source: "qrc:/qml/menu/AdminSettings.qml", visible: AppModel.userInfo.userType === 255 },
+        { id: QmlDefines._SETTINGS, label: qsTr("Settings"), source: "qrc:/qml/menu/Settings.qml", visible: true },
+        { id: QmlDefines._MAKE_MONEY, label: qsTr("Make money"),
+          source: "qrc:/qml/menu/ReportsList.qml", visible: true },
+        { id: QmlDefines._UTILS, label: qsTr("Utils"), source: "", visible: true },
+        { id: QmlDefines._USER_INFO, label: qsTr("User information"),
+          source: "qrc:/qml/menu/UserInfo.qml", visible: true }
+    ]
+
+    /// Moves the keyboard focus from a row to the next visible one, up (-1) or down (1).
+    function stepFocus(index, step) {
+        let next = index + step
+        while (next >= 0 && next < list.count && !menuModel[next].visible)
+            next += step
+        if (next >= 0 && next < list.count)
+            list.itemAtIndex(next).forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    // An ordinary user who signs in on the administrator's page must not stay there.
+    onMenuModelChanged: {
+        if (!menuModel[currentIndex].visible)
+            currentIndex = QmlDefines._HOME
+    }
+
+    Rectangle {
+        anchors.centerIn: parent
+        width: parent.height
+        height: parent.width
+        radius: 10
+        rotation: 90
+        gradient: Gradient {
+            GradientStop { position: 0.0; color: "#0f008000" }
+            GradientStop { position: 1.0; color: "#f0008000" }
+        }
+    }
+
+    ListView {
+        id: list
+
+        objectName: "menuList"
+        anchors.centerIn: parent
+        width: parent.width
+        height: parent.height - 10
+        focus: true
+        clip: true
+        boundsBehavior: Flickable.StopAtBounds
+        keyNavigationEnabled: false
+        currentIndex: QmlDefines._HOME
+        // The number of rows, not the rows: a list whose model is replaced starts again at its first row.
+        model: root.menuModel.length
+
+        delegate: AbstractButton {
+            id: row
+
+            readonly property var entry: root.menuModel[index]
+
+            objectName: "menuRow" + index
+            width: ListView.view.width
+            height: visible ? 50 : 0
+            visible: entry.visible
+            text: entry.label
+
+            Accessible.role: Accessible.MenuItem
+            Accessible.name: text
+            Accessible.selected: ListView.isCurrentItem
+
+            Keys.onReturnPressed: click()
+            Keys.onEnterPressed: click()
+            Keys.onUpPressed: root.stepFocus(index, -1)
+            Keys.onDownPressed: root.stepFocus(index, 1)
+
+            onClicked: list.currentIndex = index
+
+            contentItem: Text {
+                leftPadding: 5
+                verticalAlignment: Text.AlignVCenter
+                text: row.text
+                textFormat: Text.PlainText
+                elide: Text.ElideRight
+                color: "white"
+            }
+
+            background: Rectangle {
+                gradient: Gradient {
+                    orientation: Gradient.Horizontal
+
+                    GradientStop { position: 0.0; color: row.ListView.isCurrentItem ? "grey" : "transparent" }
+                    GradientStop { position: 1.0; color: "#0f008000" }
+                }
+
+                Rectangle {
+                    anchors.bottom: parent.bottom
+                    width: parent.width
+                    height: 1
+                    color: "#cce6ff"
+                }
+
+                FocusFrame {
+                    visible: row.visualFocus
+                    border.color: "white"
+                }
+            }
+        }
+    }
+
+    Text {
+        objectName: "menuFooter"
+        anchors.bottom: parent.bottom
+        width: parent.width
+        height: 80
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        text: qsTr("Velstrand Manager\nYour farm at a glance")
+        textFormat: Text.PlainText
+        color: "white"
+    }
+}

@@ -1,0 +1,71 @@
+import QtQuick 2.15
+
+Item {
+    id: root
+
+    readonly property int _MSG_TYPE_INFO: 0
+    readonly property int _MSG_TYPE_WARNING: 1
+    readonly property int _MSG_TYPE_ERROR: 2
+
+    property int type: _MSG_TYPE_WARNING
+    property bool shown: false
+
+    y: shown ? 0 : -height
+
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: message.text
+
+    Behavior on y {
+        NumberAnimation {
+            duration: 500
+            easing.type: Easing.InOutCubic
+        }
+    }
+
+    Rectangle {
+        objectName: "notificationBackground"
+        anchors.fill: parent
+        radius: 2
+        opacity: 0.9
+        color: root.type === root._MSG_TYPE_ERROR ? "#ff3300"
+             : root.type === root._MSG_TYPE_WARNING ? "#e6b800" : "#33cc33"
+    }
+
+    Text {
+        id: message
+
+        objectName: "notificationText"
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: parent.width * 2 / 3
+        height: parent.height
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        text: "Testing"
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
+        elide: Text.ElideRight
+        color: "white"
+        font.pixelSize: 15
+        font.weight: Font.DemiBold
+    }
+
+    Timer {
+        id: hideTimer
+
+        interval: 3000
+        onTriggered: root.shown = false
+    }
+
+    Connections {
+        target: AppManager
+
+        function onPushNotification(type, content) {
+            // The words can be the service's: what two lines cannot hold is not worth laying out.
+            message.text = content.substring(0, 1000)
+            root.type = type
+            hideTimer.restart()
+            root.shown = true
+        }
+    }
+}

@@ -1,0 +1,27 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+
+Button {
+    id: root
+
+    property string source
+
+    text: "NoLabel"
+    icon.source: source
+
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    background: Rectangle {
+        implicitWidth: 100
+        implicitHeight: 40
+        color: "transparent"
+        border.color: "#26282a"
+        border.width: root.down ? 1 : 0
+        radius: 4
+
+        FocusFrame {
+            visible: root.visualFocus
+        }
+    }
+}

@@ -1,0 +1,89 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import QtQuick.Window 2.15
+
+/// A list that asks for fresh data when it is pulled down, and that keeps its place when its model is replaced.
+ListView {
+    id: root
+
+    property real keptY: 0
+    property int keptIndex: -1
+    property int keptCount: 0
+
+    signal pullToRefreshReleased()
+
+    function keepPlace() {
+        keptY = contentY - originY
+        keptIndex = currentIndex
+        keptCount = count
+    }
+
+    activeFocusOnTab: true
+    // Following is done below: the built-in one would scroll away from the place that is put back.
+    highlightFollowsCurrentItem: false
+
+    Keys.onPressed: {
+        if (event.key === Qt.Key_F5) {
+            pullToRefreshReleased()
+            event.accepted = true
+        }
+    }
+
+    onDragEnded: {
+        if (indicator.visible)
+            pullToRefreshReleased()
+    }
+
+    // A new model puts the view back to its start before it is announced, in one go; so what is noted once the
+    // event loop comes round again is the place from before.
+    onContentYChanged: keeper.restart()
+    onCountChanged: keeper.restart()
+    onCurrentIndexChanged: {
+        keeper.restart()
+        if (activeFocus)
+            positionViewAtIndex(currentIndex, ListView.Contain)
+    }
+    onModelChanged: {
+        if (keptCount === 0 || count === 0)
+            return
+        const y = keptY
+        currentIndex = Math.min(keptIndex, count - 1)
+        forceLayout()
+        contentY = originY + Math.max(0, Math.min(y, contentHeight - height))
+    }
+
+    ScrollBar.vertical: ScrollBar {}
+
+    Timer {
+        id: keeper
+
+        interval: 0
+        onTriggered: root.keepPlace()
+    }
+
+    Item {
+        id: indicator
+
+        objectName: "pullIndicator"
+        parent: root
+        width: parent.width
+        height: root.originY - root.contentY
+        visible: height > 100
+
+        Text {
+            anchors.centerIn: parent
+            text: qsTr("Pull to refresh")
+            textFormat: Text.PlainText
+            font.pixelSize: 15
+        }
+    }
+
+    FocusFrame {
+        parent: root
+        anchors.margins: 0
+        border.width: 1
+        z: 1
+        visible: root.Window.activeFocusItem === root
+                 || (root.currentItem !== null && root.Window.activeFocusItem === root.currentItem)
+    }
+}

@@ -1,0 +1,67 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import "../component"
+
+FocusScope {
+    id: root
+
+    onVisibleChanged: otherTokenButton.offered = false
+
+    // Nothing under the sheet is in the keyboard's reach.
+    Keys.onTabPressed: event.accepted = true
+    Keys.onBacktabPressed: event.accepted = true
+
+    Rectangle {
+        anchors.fill: parent
+        color: "white"
+        opacity: 0.8
+    }
+
+    Text {
+        id: message
+
+        anchors.centerIn: parent
+        text: qsTr("Validating user info ...")
+        textFormat: Text.PlainText
+        color: "#4da6ff"
+    }
+
+    BusyIndicator {
+        id: busyIndicator
+
+        objectName: "busyIndicator"
+        anchors.top: message.bottom
+        anchors.horizontalCenter: parent.horizontalCenter
+        running: root.visible
+    }
+
+    PButton {
+        id: otherTokenButton
+
+        property bool offered: false
+
+        objectName: "otherTokenButton"
+        anchors.top: busyIndicator.bottom
+        anchors.topMargin: 20
+        anchors.horizontalCenter: parent.horizontalCenter
+        visible: root.visible && offered
+        focus: visible
+        text: qsTr("Use another token")
+        onClicked: AppModel.userInfo.token = ""
+    }
+
+    // A request that failed is not announced, so it is tried again; and a token that never gets an answer can be
+    // left behind.
+    Timer {
+        interval: 10000
+        running: root.visible
+        repeat: true
+        onTriggered: AppManager.checkUser()
+    }
+
+    Timer {
+        interval: 5000
+        running: root.visible
+        onTriggered: otherTokenButton.offered = true
+    }
+}
