@@ -5,19 +5,20 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <memory>
 
 /// A stand-in for the remote service: a real HTTPS server on the loopback address that speaks the whole
 /// contract over a farm held in memory. For trying the program, for its tests and for its benchmarks.
-namespace devservice
-{
+namespace devservice {
 
 struct Options {
     int devices = 40;
     int clones = 1500;
-    /// Added to every answer, in milliseconds.
+    /// The round trip to the service in milliseconds: added to every answer, and twice (TCP and TLS) to the
+    /// opening of a connection.
     int latencyMs = 0;
     /// 0 takes a free port.
     int port = 0;
@@ -52,10 +53,14 @@ enum class Fault {
 
 /// One request as it arrived.
 struct Request {
+    QString method;
     QString path;
+    /// Empty for a definitions push, whose content is summed up in the farm.
     QByteArray body;
-    /// Headers in the order and spelling of the wire, one "Name: value" a line, where the server keeps them.
+    /// Values by name, in the spelling of the wire.
     QHash<QString, QString> headers;
+    /// The same as they came over the wire, in order, one "Name: value" a line.
+    QStringList headerLines;
     /// Port of the client's end: the same port means the same connection.
     int remotePort = 0;
 };

@@ -1,0 +1,407 @@
+#include "devservice/DevService.h"
+
+#include "devservice/Contract.h"
+#include "devservice/SampleFarm.h"
+#include "devservice/TlsServer.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+
+namespace devservice {
+namespace {
+
+constexpr int chunkBytes = 64 * 1024;
+/// A rate-limited download is sent in so many pieces a second.
+constexpr int piecesPerSecond = 20;
+
+const QString pushPath = QStringLiteral("/api/v1/definitions/push");
+
+/// What a client puts into the name of a file part in place of quotes and line ends.
+QString unescapedFileName(const std::string& name)
+{
+    return QString::fromStdString(name)
+        .replace(QLatin1String("%22"), QLatin1String("\""))
+        .replace(QLatin1String("%0D"), QLatin1String("\r"))
+        .replace(QLatin1String("%0A"), QLatin1String("\n"));
+}
+
+/// Reads the form to its end without keeping the file; true when it was a form.
+bool readPush(const httplib::Request& request, const httplib::ContentReader& reader, DefinitionsPush* push)
+{
+    if (!request.is_multipart_form_data()) {
+        reader([](const char*, size_t) { return true; });
+        return false;
+    }
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    bool inFile = false;
+    push->token = QString::fromStdString(request.get_header_value("token"));
+    const bool whole = reader(
+        [&](const httplib::MultipartFormData& part) {
+            inFile = !part.filename.empty();
+            (inFile ? push->files : push->fields).append(QString::fromStdString(part.name));
+            if (inFile) {
+                push->fileName = unescapedFileName(part.filename);
+            }
+            return true;
+        },
+        [&](const char* data, size_t size) {
+            if (inFile) {
+                hash.addData(data, static_cast<int>(size));
+                push->size += static_cast<qint64>(size);
+            } else {
+                push->version.append(data, static_cast<int>(size));
+            }
+            // Longer than any number: not worth keeping.
+            return push->version.size() < chunkBytes;
+        });
+    push->sha256 = hash.result();
+    return whole;
+}
+
+/// The answer of a fault that does not carry the request out.
+Answer faultyAnswer(Fault fault)
+{
+    Answer answer;
+    switch (fault) {
+    case Fault::NotJson:
+        answer.body = "the farm is out for lunch";
+        break;
+    case Fault::WrongShape:
+        answer = done(QStringLiteral("a text where nobody expects one"));
+        break;
+    case Fault::HttpError:
+        answer.status = 500;
+        answer.type = "text/html";
+        answer.body = "<html><body><h1>Internal Server Error</h1></body></html>";
+        break;
+    case Fault::Refuse:
+        answer = refused(403, QStringLiteral("refused"));
+        break;
+    default:
+        break;
+    }
+    return answer;
+}
+
+/// Sends the first @p size bytes of the file, at most @p bytesPerSecond (0: no limit).
+httplib::ContentProvider fileProvider(const QString& path, qint64 size, int bytesPerSecond)
+{
+    const auto file = std::make_shared<QFile>(path);
+    const bool open = file->open(QIODevice::ReadOnly);
+    const int piece =
+        bytesPerSecond > 0 ? std::clamp(bytesPerSecond / piecesPerSecond, 1, chunkBytes) : chunkBytes;
+    return [=](size_t offset, size_t length, httplib::DataSink& sink) {
+        const qint64 wanted = std::min({qint64(length), qint64(piece), size - qint64(offset)});
+        if (!open || wanted <= 0 || !file->seek(static_cast<qint64>(offset))) {
+            return false;
+        }
+        const QByteArray data = file->read(wanted);
+        const int pauseMs = bytesPerSecond > 0 ? static_cast<int>(1000LL * data.size() / bytesPerSecond) : 0;
+        return !data.isEmpty() && sink.write(data.constData(), static_cast<size_t>(data.size())) &&
+               (pauseMs == 0 || Connection::current()->pause(pauseMs));
+    };
+}
+
+} // namespace
+
+class DevService::Impl
+{
+public:
+    explicit Impl(Options givenOptions)
+        : options(std::move(givenOptions)),
+          version(options.packageVersion > 0 ? options.packageVersion : VELSTRAND_BUILD_NUMBER),
+          packagePath(QStringLiteral("/packages/velstrand_%1.zip").arg(version)),
+          contract(makeSampleFarm(options.devices, options.clones, version, packagePath)),
+          latencyMs(options.latencyMs)
+    {
+    }
+
+    ~Impl() { stop(); }
+
+    bool start();
+    void stop();
+    void route();
+    template <typename Perform>
+    void serve(const httplib::Request& request, httplib::Response& response, Perform perform);
+    void send(const Answer& answer, bool cut, bool acceptsGzip, httplib::Response& response) const;
+    Answer downloadOrRefusal(const QString& path) const;
+    QString origin() const { return QStringLiteral("https://localhost:%1").arg(port); }
+
+    const Options options;
+    const int version;
+    const QString packagePath;
+    Contract contract;
+    std::atomic<int> latencyMs;
+    /// Guards requests and faults: connections write and read them, tests read and write them.
+    mutable std::mutex mutex;
+    QVector<Request> requests;
+    QHash<QString, Fault> faults;
+    QTemporaryDir folder;
+    QString caFile;
+    QString errorText;
+    int port = 0;
+    std::unique_ptr<TlsServer> server;
+    std::thread listener;
+};
+
+bool DevService::Impl::start()
+{
+    if (!options.packageFile.isEmpty() && !QFile(options.packageFile).open(QIODevice::ReadOnly)) {
+        errorText = QStringLiteral("cannot read the package ") + options.packageFile;
+        return false;
+    }
+    const Certificate certificate = makeCertificate();
+    QFile pem(folder.filePath(QStringLiteral("ca.pem")));
+    if (!certificate.isValid() || !folder.isValid() || !pem.open(QIODevice::WriteOnly) ||
+        pem.write(certificate.authorityPem) != certificate.authorityPem.size() || !pem.flush()) {
+        errorText = QStringLiteral("cannot make the certificate in ") + folder.path();
+        return false;
+    }
+    caFile = pem.fileName();
+    server = std::make_unique<TlsServer>(certificate);
+    port = server->is_valid() ? server->bindLoopback(options.port) : -1;
+    if (port <= 0) {
+        errorText = QStringLiteral("cannot listen on port %1").arg(options.port);
+        return false;
+    }
+    server->setHandshakeLatency(latencyMs);
+
+    Farm farm = contract.farm();
+    QJsonValueRef path = farm.globalConfig[QStringLiteral("velstrand_manager_app_path")];
+    if (path.toString() == packagePath) {
+        path = QString(origin() + packagePath);
+        contract.setFarm(farm);
+    }
+
+    route();
+    listener = std::thread([this] { server->listen_after_bind(); });
+    // The library cannot be stopped before it runs.
+    while (!server->is_running()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+void DevService::Impl::stop()
+{
+    if (listener.joinable()) {
+        server->stopNow();
+        listener.join();
+    }
+}
+
+void DevService::Impl::route()
+{
+    server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
+        if (request.method == "POST" || !Contract::knows(QString::fromStdString(request.path))) {
+            return httplib::Server::HandlerResponse::Unhandled;
+        }
+        serve(request, response, [] { return refused(405, QStringLiteral("the method must be POST")); });
+        return httplib::Server::HandlerResponse::Handled;
+    });
+    server->Post(pushPath.toStdString(), [this](const httplib::Request& request, httplib::Response& response,
+                                                const httplib::ContentReader& reader) {
+        DefinitionsPush push;
+        const bool isForm = readPush(request, reader, &push);
+        serve(request, response, [&] {
+            return isForm ? contract.answer(push)
+                          : refused(400, QStringLiteral("the body must be a whole form"));
+        });
+    });
+    server->Post("/.*", [this](const httplib::Request& request, httplib::Response& response) {
+        serve(request, response, [&] {
+            return contract.answer(QString::fromStdString(request.path),
+                                   QByteArray::fromStdString(request.get_header_value("Content-Type")),
+                                   QByteArray::fromStdString(request.body));
+        });
+    });
+    server->Get("/.*", [this](const httplib::Request& request, httplib::Response& response) {
+        serve(request, response, [&] { return downloadOrRefusal(QString::fromStdString(request.path)); });
+    });
+    server->set_error_handler([](const httplib::Request&, httplib::Response& response) {
+        if (response.body.empty() && !response.content_provider_) {
+            const QByteArray body =
+                refused(response.status, QStringLiteral("the request cannot be read")).body;
+            response.set_content(body.toStdString(), "application/json");
+        }
+    });
+}
+
+Answer DevService::Impl::downloadOrRefusal(const QString& path) const
+{
+    if (path != packagePath || options.packageFile.isEmpty()) {
+        return refused(404, QStringLiteral("unknown path: ") + path);
+    }
+    Answer answer;
+    answer.type = "application/zip";
+    answer.file = options.packageFile;
+    return answer;
+}
+
+/// Keeps the request, has it performed and answers it, or does what the fault of its path demands.
+template <typename Perform>
+void DevService::Impl::serve(const httplib::Request& request, httplib::Response& response, Perform perform)
+{
+    Connection& connection = *Connection::current();
+    Request kept;
+    kept.method = QString::fromStdString(request.method);
+    kept.path = QString::fromStdString(request.path);
+    kept.body = QByteArray::fromStdString(request.body);
+    kept.remotePort = request.remote_port;
+    bool acceptsGzip = false;
+    const QByteArrayList head = connection.headLines();
+    for (int i = 1; i < head.size(); ++i) {
+        const QString line = QString::fromUtf8(head.at(i));
+        const QString name = line.section(':', 0, 0);
+        const QString value = line.section(':', 1).trimmed();
+        kept.headerLines.append(line);
+        kept.headers.insert(name, value);
+        acceptsGzip |= name.compare(QLatin1String("Accept-Encoding"), Qt::CaseInsensitive) == 0 &&
+                       value.contains(QLatin1String("gzip"));
+    }
+    Fault fault = Fault::None;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        fault = faults.value(kept.path, Fault::None);
+        requests.append(kept);
+    }
+
+    if (fault == Fault::Hang) {
+        connection.waitForEnd();
+        connection.drop();
+        return;
+    }
+    const bool performs = fault == Fault::None || fault == Fault::Cut || fault == Fault::DropAfterwards;
+    const Answer answer = performs ? perform() : faultyAnswer(fault);
+    connection.pause(latencyMs);
+    if (fault == Fault::DropAfterwards) {
+        connection.drop();
+        return;
+    }
+    send(answer, fault == Fault::Cut, acceptsGzip, response);
+}
+
+/// Puts the answer into @p response; with @p cut in such a way that only its first half is sent.
+void DevService::Impl::send(const Answer& answer, bool cut, bool acceptsGzip,
+                            httplib::Response& response) const
+{
+    response.status = answer.status;
+    const std::string type = answer.type.toStdString();
+    if (!answer.file.isEmpty()) {
+        const qint64 size = QFile(answer.file).size();
+        response.set_content_provider(
+            static_cast<size_t>(size), type,
+            fileProvider(answer.file, cut ? size / 2 : size, options.packageBytesPerSecond));
+        return;
+    }
+    const bool packed = acceptsGzip && !answer.gzip.isEmpty();
+    const QByteArray body = packed ? answer.gzip : answer.body;
+    if (packed) {
+        response.set_header("Content-Encoding", "gzip");
+    }
+    if (cut) {
+        response.set_content_provider(static_cast<size_t>(body.size()), type,
+                                      [body](size_t, size_t, httplib::DataSink& sink) {
+                                          sink.write(body.constData(), static_cast<size_t>(body.size() / 2));
+                                          return false;
+                                      });
+    } else {
+        response.set_content(body.constData(), static_cast<size_t>(body.size()), type);
+    }
+}
+
+DevService::DevService(Options options) : d(std::make_unique<Impl>(std::move(options))) {}
+
+DevService::~DevService() = default;
+
+bool DevService::start()
+{
+    return d->start();
+}
+
+QString DevService::errorText() const
+{
+    return d->errorText;
+}
+
+QString DevService::origin() const
+{
+    return d->origin();
+}
+
+int DevService::port() const
+{
+    return d->port;
+}
+
+QString DevService::caFile() const
+{
+    return d->caFile;
+}
+
+QString DevService::adminToken() const
+{
+    return sampleAdminToken;
+}
+
+QString DevService::userToken() const
+{
+    return sampleUserToken;
+}
+
+Farm DevService::farm() const
+{
+    return d->contract.farm();
+}
+
+void DevService::setFarm(const Farm& farm)
+{
+    d->contract.setFarm(farm);
+}
+
+void DevService::setFault(const QString& path, Fault fault)
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->faults.insert(path, fault);
+}
+
+void DevService::setLatency(int ms)
+{
+    d->latencyMs = ms;
+    if (d->server) {
+        d->server->setHandshakeLatency(ms);
+    }
+}
+
+QVector<Request> DevService::requests() const
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    return d->requests;
+}
+
+QVector<Request> DevService::requests(const QString& path) const
+{
+    QVector<Request> result = requests();
+    result.erase(std::remove_if(result.begin(), result.end(),
+                                [&path](const Request& request) { return request.path != path; }),
+                 result.end());
+    return result;
+}
+
+void DevService::clearRequests()
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->requests.clear();
+}
+
+int DevService::connections() const
+{
+    return d->server ? d->server->connections() : 0;
+}
+
+} // namespace devservice
