@@ -64,7 +64,8 @@ Item {
                 width: Math.min(implicitWidth, accountPanel.width)
                 height: 10
                 horizontalAlignment: Text.AlignHCenter
-                verticalAlignment: Text.AlignVCenter
+                // Letters are taller than the line: they grow upwards, clear of the panel.
+                verticalAlignment: Text.AlignBottom
                 text: qsTr(root.fullName)
                 textFormat: Text.PlainText
                 elide: Text.ElideRight
@@ -138,15 +139,35 @@ Item {
             }
 
             Text {
+                id: currentText
+
                 objectName: "currentUserText"
                 anchors.left: currentIcon.right
                 anchors.leftMargin: 15
                 anchors.right: parent.right
                 anchors.rightMargin: 10
                 anchors.verticalCenter: parent.verticalCenter
-                text: qsTr(root.fullName + "\n" + root.oneLine(AppModel.userInfo.token))
+                text: qsTr(shortName.elidedText + "\n" + shortToken.elidedText)
                 textFormat: Text.PlainText
+            }
+
+            // A text of several lines does not cut each of them by itself.
+            TextMetrics {
+                id: shortName
+
                 elide: Text.ElideRight
+                elideWidth: currentText.width
+                font: currentText.font
+                text: root.fullName
+            }
+
+            TextMetrics {
+                id: shortToken
+
+                elide: Text.ElideRight
+                elideWidth: currentText.width
+                font: currentText.font
+                text: root.oneLine(AppModel.userInfo.token)
             }
 
             Rectangle {

@@ -60,7 +60,7 @@ FocusScope {
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         keyNavigationEnabled: false
-        currentIndex: QmlDefines._HOME
+        currentIndex: 0
         // The number of rows, not the rows: a list whose model is replaced starts again at its first row.
         model: root.menuModel.length
 
@@ -125,8 +125,10 @@ FocusScope {
         height: 80
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
-        text: qsTr("Velstrand Manager\nYour farm at a glance")
+        text: qsTr("Velstrand\nYour farm in view")
         textFormat: Text.PlainText
         color: "white"
+        style: Text.Raised
+        styleColor: "#80004000"
     }
 }

@@ -1,0 +1,193 @@
+import QtQuick 2.15
+import "../component"
+import "../Format.js" as Format
+
+/// A clone of the clone page. The view builds a hundred screens of these, so there is little in one: what is
+/// shown only now and then is made when it is needed.
+Item {
+    id: row
+
+    readonly property bool current: ListView.isCurrentItem
+    readonly property var view: ListView.view
+    /// A sixth of the page, as its column heads; the list is 10 pixels in from the page's left edge.
+    property real columnWidth
+    property bool checkable: false
+
+    signal held()
+
+    component Cell: Text {
+        y: 0
+        width: row.columnWidth
+        height: 48
+        leftPadding: 4
+        rightPadding: 4
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        textFormat: Text.PlainText
+        elide: Text.ElideRight
+        maximumLineCount: 1
+    }
+
+    function toggle() {
+        modelData.selected = !modelData.selected
+    }
+
+    function copy(cell, text) {
+        AppIO.sendToClibboard(text)
+        badge.cell = cell
+        badge.active = true
+        badge.item.restart()
+    }
+
+    objectName: "cloneRow" + modelData.place
+    width: view ? view.width : 0
+    height: modelData.filtered ? 50 : 0
+    visible: modelData.filtered
+    z: badge.active ? 1 : 0
+
+    Accessible.role: Accessible.ListItem
+    Accessible.name: uidCell.text
+    Accessible.selected: modelData.selected
+    Accessible.onPressAction: view.currentIndex = index
+
+    Rectangle {
+        objectName: "rowBackground"
+        width: parent.width
+        height: 48
+        radius: 16
+        color: modelData.selected || row.current ? "#3f4d94ff" : "transparent"
+    }
+
+    Cell {
+        objectName: "number"
+        width: 30
+        text: modelData.place + 1
+        fontSizeMode: Text.HorizontalFit
+        leftPadding: 2
+        rightPadding: 0
+    }
+
+    Cell {
+        id: uidCell
+
+        objectName: "uid"
+        x: 30
+        width: row.columnWidth - 40
+        text: Format.line(modelData.uid)
+    }
+
+    Cell {
+        objectName: "network"
+        x: row.columnWidth - 10
+        text: Format.line(modelData.network)
+    }
+
+    Cell {
+        id: deviceCell
+
+        objectName: "deviceId"
+        x: 2 * row.columnWidth - 10
+        text: Format.line(modelData.deviceId)
+    }
+
+    Cell {
+        objectName: "status"
+        x: 3 * row.columnWidth - 10
+        text: Format.cloneStatus(modelData.status)
+    }
+
+    Cell {
+        objectName: "restriction"
+        x: 4 * row.columnWidth - 10
+        text: Format.restrictions(modelData.restriction)
+    }
+
+    Cell {
+        objectName: "farmProfile"
+        x: 5 * row.columnWidth - 10
+        width: row.columnWidth - 10 - (row.checkable ? 40 : 0)
+        text: Format.line(modelData.farmProfile)
+    }
+
+    MouseArea {
+        objectName: "rowArea"
+        anchors.fill: parent
+
+        onClicked: {
+            row.view.forceActiveFocus(Qt.MouseFocusReason)
+            row.view.currentIndex = index
+            if (AppIO.keyboardModifiers === Qt.ControlModifier)
+                modelData.selected = true
+            else
+                AppManager.selectAllClone(false)
+        }
+        onPressAndHold: {
+            row.view.currentIndex = index
+            row.held()
+        }
+        onDoubleClicked: {
+            if (mouse.x >= uidCell.x && mouse.x < uidCell.x + uidCell.width)
+                row.copy(uidCell, modelData.uid)
+            else if (mouse.x >= deviceCell.x && mouse.x < deviceCell.x + deviceCell.width)
+                row.copy(deviceCell, modelData.deviceId)
+        }
+    }
+
+    Loader {
+        anchors.right: parent.right
+        anchors.rightMargin: 10
+        anchors.verticalCenter: parent.verticalCenter
+        active: row.checkable
+
+        sourceComponent: RowCheckBox {
+            objectName: "check"
+            size: 50 / 3
+            checked: modelData.selected
+
+            Accessible.name: uidCell.text
+
+            onClicked: modelData.selected = checked
+            onActiveFocusChanged: {
+                if (activeFocus)
+                    row.view.currentIndex = index
+            }
+        }
+    }
+
+    Loader {
+        id: badge
+
+        property Item cell: null
+
+        objectName: "copiedBadge"
+        active: false
+
+        sourceComponent: Rectangle {
+            function restart() {
+                lifetime.restart()
+            }
+
+            x: badge.cell.x + badge.cell.width / 4
+            y: 33
+            width: badge.cell.width / 2
+            height: 20
+            radius: 5
+            color: "grey"
+            opacity: 0.5
+
+            Text {
+                anchors.centerIn: parent
+                text: qsTr("Copied")
+                textFormat: Text.PlainText
+                color: "white"
+            }
+
+            Timer {
+                id: lifetime
+
+                interval: 1000
+                onTriggered: badge.active = false
+            }
+        }
+    }
+}
