@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int REPORT_DAYS = 10;
+constexpr int kReportDays = 10;
 
 } // namespace
 
@@ -22,7 +22,7 @@ AppModel* AppModel::instance()
 
 AppModel::AppModel(QObject* parent) : QObject(parent)
 {
-    for (int i = 0; i < REPORT_DAYS; ++i) {
+    for (int i = 0; i < kReportDays; ++i) {
         m_reports.append(new ReportsByDate(this));
         m_reportList.append(m_reports.last());
     }

@@ -5,7 +5,7 @@
 
 namespace {
 
-const char* const ACTION_NAMES[] = {
+const char* const kActionNames[] = {
     "facebook_feed",        "facebook_feed_like",          "facebook_watch",
     "facebook_watch_like",  "facebook_add_suggest_friend", "facebook_confirm_friend",
     "facebook_post_status", "facebook_post_status_image",  "facebook_add_avatar_frame",
@@ -17,7 +17,7 @@ const char* const ACTION_NAMES[] = {
 FarmProfile::FarmProfile(const QString& profileName, QObject* parent)
     : QObject(parent), m_profileName(profileName)
 {
-    for (const char* name : ACTION_NAMES)
+    for (const char* name : kActionNames)
         m_farmActions.append(new FarmActionConfig(QString::fromLatin1(name), this));
 }
 

@@ -11,7 +11,7 @@ struct Field {
 };
 
 using G = GlobalConfig;
-const Field FIELDS[] = {
+const Field kFields[] = {
     {QLatin1String("velstrand_dropbox_token"), &G::dropboxToken, &G::setDropboxToken},
     {QLatin1String("velstrand_android_app_version"), &G::vsAndroidAppVersion, &G::setVsAndroidAppVersion},
     {QLatin1String("velstrand_android_app_path"), &G::vsAndroidAppPath, &G::setVsAndroidAppPath},
@@ -27,7 +27,7 @@ GlobalConfig::GlobalConfig(QObject* parent) : QObject(parent) {}
 
 void GlobalConfig::fromJson(const QJsonObject& object)
 {
-    for (const Field& field : FIELDS) {
+    for (const Field& field : kFields) {
         if (object.contains(field.key))
             (this->*field.set)(json::text(object.value(field.key).toVariant()));
     }
@@ -36,7 +36,7 @@ void GlobalConfig::fromJson(const QJsonObject& object)
 QJsonObject GlobalConfig::toJson() const
 {
     QJsonObject object;
-    for (const Field& field : FIELDS) {
+    for (const Field& field : kFields) {
         const QString& value = (this->*field.get)();
         if (!value.isEmpty())
             object.insert(field.key, value);
