@@ -64,7 +64,7 @@ public:
     template <typename Perform>
     void serve(const httplib::Request& request, httplib::Response& response, Perform perform);
     void send(const Answer& answer, bool cut, bool acceptsGzip, httplib::Response& response) const;
-    Answer downloadOrRefusal(const QString& path) const;
+    Answer downloadOrRefusal(const httplib::Request& request) const;
     QString origin() const { return QStringLiteral("https://localhost:%1").arg(port); }
 
     const Options options;
@@ -72,10 +72,11 @@ public:
     const QString packagePath;
     Contract contract;
     std::atomic<int> latencyMs;
-    /// Guards requests and faults: connections write and read them, tests read and write them.
+    /// Guards the three below: connections write and read them, tests read and write them.
     mutable std::mutex mutex;
     QVector<Request> requests;
     QHash<QString, Fault> faults;
+    QHash<QString, Answer> replies;
     QTemporaryDir folder;
     QString caFile;
     QString errorText;
@@ -132,13 +133,6 @@ void DevService::Impl::stop()
 
 void DevService::Impl::route()
 {
-    server->set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-        if (request.method == "POST" || !Contract::knows(QString::fromStdString(request.path))) {
-            return httplib::Server::HandlerResponse::Unhandled;
-        }
-        serve(request, response, [] { return refused(405, QStringLiteral("the method must be POST")); });
-        return httplib::Server::HandlerResponse::Handled;
-    });
     server->Post(pushPath.toStdString(), [this](const httplib::Request& request, httplib::Response& response,
                                                 const httplib::ContentReader& reader) {
         DefinitionsPush push;
@@ -155,9 +149,10 @@ void DevService::Impl::route()
                                    QByteArray::fromStdString(request.body));
         });
     });
-    server->Get("/.*", [this](const httplib::Request& request, httplib::Response& response) {
-        serve(request, response, [&] { return downloadOrRefusal(QString::fromStdString(request.path)); });
-    });
+    const auto other = [this](const httplib::Request& request, httplib::Response& response) {
+        serve(request, response, [&] { return downloadOrRefusal(request); });
+    };
+    server->Get("/.*", other).Put("/.*", other).Patch("/.*", other).Delete("/.*", other);
     server->set_error_handler([](const httplib::Request&, httplib::Response& response) {
         if (response.body.empty() && !response.content_provider_) {
             const QByteArray body =
@@ -167,9 +162,13 @@ void DevService::Impl::route()
     });
 }
 
-Answer DevService::Impl::downloadOrRefusal(const QString& path) const
+Answer DevService::Impl::downloadOrRefusal(const httplib::Request& request) const
 {
-    if (path != packagePath || options.packageFile.isEmpty()) {
+    const QString path = QString::fromStdString(request.path);
+    if (Contract::knows(path)) {
+        return refused(405, QStringLiteral("the method must be POST"));
+    }
+    if (request.method != "GET" || path != packagePath || options.packageFile.isEmpty()) {
         return refused(404, QStringLiteral("unknown path: ") + path);
     }
     Answer answer;
@@ -200,9 +199,13 @@ void DevService::Impl::serve(const httplib::Request& request, httplib::Response&
                        value.contains(QLatin1String("gzip"));
     }
     Fault fault = Fault::None;
+    bool prepared = false;
+    Answer answer;
     {
         const std::lock_guard<std::mutex> lock(mutex);
         fault = faults.value(kept.path, Fault::None);
+        prepared = replies.contains(kept.path);
+        answer = replies.value(kept.path);
         requests.append(kept);
     }
 
@@ -212,7 +215,11 @@ void DevService::Impl::serve(const httplib::Request& request, httplib::Response&
         return;
     }
     const bool performs = fault == Fault::None || fault == Fault::Cut || fault == Fault::DropAfterwards;
-    const Answer answer = performs ? perform() : faultyAnswer(fault);
+    if (!performs) {
+        answer = faultyAnswer(fault);
+    } else if (!prepared) {
+        answer = perform();
+    }
     connection.pause(latencyMs);
     if (fault == Fault::DropAfterwards) {
         connection.drop();
@@ -303,6 +310,22 @@ void DevService::setFault(const QString& path, Fault fault)
 {
     const std::lock_guard<std::mutex> lock(d->mutex);
     d->faults.insert(path, fault);
+}
+
+void DevService::setReply(const QString& path, int status, const QByteArray& json)
+{
+    Answer answer;
+    answer.status = status;
+    answer.body = json;
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->replies.insert(path, answer);
+}
+
+void DevService::clearFaults()
+{
+    const std::lock_guard<std::mutex> lock(d->mutex);
+    d->faults.clear();
+    d->replies.clear();
 }
 
 void DevService::setLatency(int ms)

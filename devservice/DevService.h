@@ -108,6 +108,10 @@ public:
     void setFarm(const Farm& farm);
     /// Sets what goes wrong for @p path ("/api/v1/..."). Any thread.
     void setFault(const QString& path, Fault fault);
+    /// Answers requests to @p path with just this, unless a fault is set for it. Any thread.
+    void setReply(const QString& path, int status, const QByteArray& json);
+    /// Back to answering everything as the contract says.
+    void clearFaults();
     void setLatency(int ms);
     /// Every request since the start or since clearRequests(), in order of arrival.
     QVector<Request> requests() const;

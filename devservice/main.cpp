@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 #include <QTextStream>
 
@@ -85,6 +86,10 @@ devservice::Options options(const QCommandLineParser& parser)
     result.latencyMs = number(parser, QStringLiteral("latency"), 0, 600000);
     result.port = number(parser, QStringLiteral("port"), 0, 65535);
     result.packageFile = parser.value(QStringLiteral("package"));
+    const QFileInfo package(result.packageFile);
+    if (parser.isSet(QStringLiteral("package")) && !(package.isFile() && package.isReadable())) {
+        failUsage(QStringLiteral("--package names no readable file: ") + result.packageFile);
+    }
     result.packageVersion = number(parser, QStringLiteral("package-version"), 0, any);
     result.packageBytesPerSecond = number(parser, QStringLiteral("package-rate"), 0, any);
     return result;
@@ -93,8 +98,10 @@ devservice::Options options(const QCommandLineParser& parser)
 bool writeEnvironment(const QString& path, const devservice::DevService& service)
 {
     QSaveFile file(path);
-    const QString text = QStringLiteral("VELSTRAND_SERVICE_URL=%1\nVELSTRAND_CA_FILE=%2\n")
-                             .arg(service.origin(), service.caFile());
+    const QString text =
+        QStringLiteral("VELSTRAND_SERVICE_URL=%1\nVELSTRAND_CA_FILE=%2\n"
+                       "VELSTRAND_ADMIN_TOKEN=%3\nVELSTRAND_USER_TOKEN=%4\n")
+            .arg(service.origin(), service.caFile(), service.adminToken(), service.userToken());
     return file.open(QIODevice::WriteOnly) && file.write(text.toLocal8Bit()) > 0 && file.commit();
 }
 

@@ -1,0 +1,323 @@
+#include "api/VelstrandAPI.h"
+
+#include "devservice/DevService.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ServiceFixture.h"
+#include "toolkit/HttpClient.h"
+
+#include <QJsonObject>
+#include <QTcpServer>
+#include <QtTest>
+
+#include <functional>
+
+using devservice::Fault;
+
+namespace {
+
+const QString kToken = QStringLiteral("t\"ö");
+using Call = std::function<bool(const VelstrandAPI&)>;
+
+QJsonObject parse(const char* json)
+{
+    return QJsonDocument::fromJson(json).object();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Call)
+
+/// The service client against the development service, over TLS.
+class TestVelstrandAPI : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void requestsAreExact_data();
+    void requestsAreExact();
+    void envelope_data();
+    void envelope();
+    void readingOperations_data();
+    void readingOperations();
+    void failures_data();
+    void failures();
+    void aChangeIsSentOnce();
+    void unreachable();
+    void untrusted();
+    void concurrentRequests();
+    void logLines();
+
+private:
+    ServiceFixture m_fixture;
+};
+
+void TestVelstrandAPI::requestsAreExact_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<Call>("call");
+    const auto row = [](const char* path, const char* rest, const Call& call) {
+        QTest::newRow(path) << QStringLiteral("/api/v1/") + path
+                            << QByteArray("{") + rest + "\"token\":\"t\\\"ö\"}" << call;
+    };
+    static QString text;
+    static QJsonArray array;
+    static QJsonObject object;
+    row("config/get-global", "", [](auto& api) { return api.getGlobalConfig(kToken, &text); });
+    row("device/list", "", [](auto& api) { return api.getDeviceList(kToken, &array); });
+    row("device/confirm", R"("device_info":{"android_id":"a 1"},)",
+        [](auto& api) { return api.confirmDevice(kToken, "a 1"); });
+    row("device/delete", R"("device_info":{"android_id":""},)",
+        [](auto& api) { return api.deleteDevice(kToken, ""); });
+    row("device/save-config",
+        R"("android_id":"a","device_config":{"connectivity_type":1,"device_label":"<b>"},)", [](auto& api) {
+            return api.saveDeviceConfig(kToken, "a", {{"device_label", "<b>"}, {"connectivity_type", 1}});
+        });
+    row("user/get-info", "", [](auto& api) { return api.getUserInfo(kToken, &object); });
+    row("clone/list", R"("android_id":"",)", [](auto& api) { return api.getCloneList(kToken, "", &array); });
+    row("clone/add", R"("clones":[{"uid":"1"}],"network":"tiktok",)", [](auto& api) {
+        return api.addClones(kToken, "tiktok", {QJsonObject{{"uid", "1"}}});
+    });
+    row("config/update-global", R"("global_config":{"k":"v"},)", [](auto& api) {
+        return api.updateGlobalConfig(kToken, {{"k", "v"}});
+    });
+    row("reports/get", R"("date_list":["2024-3-1","2024-2-29"],)", [](auto& api) {
+        return api.getReports(kToken, {"2024-3-1", "2024-2-29"}, &object);
+    });
+    row("user/upsert-farm-profile", R"("farm_profile":{"farm_action_config":{},"name":"p"},)", [](auto& api) {
+        return api.upsertFarmProfile(kToken, {{"name", "p"}, {"farm_action_config", QJsonObject()}});
+    });
+    row("clone/reset-live", R"("clones":[],)", [](auto& api) { return api.resetLiveClones(kToken, {}); });
+    row("clone/delete", R"("clones":[{"id":"2"},{"id":"1"},{"id":"2"}],)", [](auto& api) {
+        return api.deleteClones(kToken, {"2", "1", "2"});
+    });
+    row("clone/update-farm-profile", R"("clones":[{"id":"7"}],"farm_profile":"p",)",
+        [](auto& api) { return api.updateCloneFarmProfile(kToken, {"7"}, "p"); });
+}
+
+void TestVelstrandAPI::requestsAreExact()
+{
+    QFETCH(QString, path);
+    QFETCH(QByteArray, body);
+    QFETCH(Call, call);
+    m_fixture.service().clearRequests();
+    m_fixture.service().setReply(path, 200, R"({"success":false,"data":{}})");
+
+    const VelstrandAPI api;
+    QVERIFY(!call(api));
+    const auto requests = m_fixture.service().requests();
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(requests[0].path, path);
+    QCOMPARE(requests[0].body, body);
+    QCOMPARE(requests[0].headers.value("Content-Type"), QStringLiteral("application/json"));
+
+    const bool reads = QByteArray(QTest::currentDataTag()) == "device/list" || path.endsWith("/clone/list");
+    m_fixture.service().setReply(path, 200,
+                                 reads ? R"({"success":true,"data":[1]})" : R"({"success":true,"data":{}})");
+    QVERIFY(call(api));
+}
+
+void TestVelstrandAPI::envelope_data()
+{
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<bool>("success");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<QByteArray>("data");
+    const auto row = [](const char* name, int status, QByteArray body, int code, bool success,
+                        const char* message, const char* data) {
+        QTest::newRow(name) << status << body << code << success << QString::fromUtf8(message)
+                            << QByteArray(data);
+    };
+    row("whole", 200, R"({"code":7,"success":true,"message":"hé","data":[1]})", 7, true, "hé", "[1]");
+    row("object", 200, R"({"success":true,"data":{"a":1}})", 200, true, "", R"({"a":1})");
+    row("no data", 200, R"({"success":true})", 200, true, "", "");
+    row("data text", 200, R"({"success":true,"data":"x"})", 200, true, "", "");
+    row("data number", 200, R"({"success":true,"data":5})", 200, true, "", "");
+    row("code cut to a byte", 200, R"({"code":300})", 44, false, "", "");
+    row("code 256", 200, R"({"code":256})", 0, false, "", "");
+    row("code is no number", 200, R"({"code":"9"})", 0, false, "", "");
+    row("success is no boolean", 200, R"({"success":"true"})", 200, false, "", "");
+    row("message is no text", 200, R"({"success":true,"message":5})", 200, true, "", "");
+    row("error with an envelope", 404, R"({"success":false,"message":"gone"})", 148, false, "gone", "");
+    row("error whose envelope says yes", 500, R"({"success":true,"data":[]})", 244, true, "", "[]");
+    row("error page", 502, "<html>", 246, false, "", "");
+    row("not JSON", 200, "{\"success\":true", 200, false, "", "");
+    row("an array", 200, R"([{"success":true}])", 200, false, "", "");
+    row("nested too deep", 200, QByteArray(5000, '['), 200, false, "", "");
+    row("broken UTF-8", 200, "{\"success\":true,\"message\":\"\xff\"}", 200, true, "\xef\xbf\xbd", "");
+    row("no body", 200, "", 200, false, "No response body", "");
+}
+
+void TestVelstrandAPI::envelope()
+{
+    QFETCH(int, status);
+    QFETCH(QByteArray, body);
+    const QString path = QStringLiteral("/api/v1/device/list");
+    m_fixture.service().setReply(path, status, body);
+    const ApiResponse response = VelstrandAPI().sendPostRequest(path, {}, toolkit::Exchange::Read);
+    QTEST(int(response.code), "code");
+    QTEST(response.success, "success");
+    if (QByteArray(QTest::currentDataTag()) != "broken UTF-8")
+        QTEST(response.message, "message");
+    QTEST(response.data.toJson(QJsonDocument::Compact), "data");
+    QCOMPARE(m_fixture.service().requests(path).last().body, QByteArray("{}"));
+}
+
+void TestVelstrandAPI::readingOperations_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<bool>("array");
+    QTest::addColumn<bool>("object");
+    QTest::addColumn<QString>("configText");
+    QTest::newRow("array") << QByteArray(R"({"success":true,"data":[2]})") << true << false << "[2]";
+    QTest::newRow("object") << QByteArray(R"({"success":true,"data":{"a": 2}})") << false << true
+                            << R"({"a":2})";
+    QTest::newRow("none") << QByteArray(R"({"success":true})") << false << false << "";
+    QTest::newRow("refused") << QByteArray(R"({"success":false,"data":[2]})") << false << false
+                             << "untouched";
+    QTest::newRow("refused object") << QByteArray(R"({"data":{"a":2}})") << false << false << "untouched";
+}
+
+void TestVelstrandAPI::readingOperations()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(bool, array);
+    QFETCH(bool, object);
+    for (const char* path :
+         {"device/list", "clone/list", "user/get-info", "reports/get", "config/get-global"})
+        m_fixture.service().setReply(QStringLiteral("/api/v1/") + path, 200, reply);
+
+    const VelstrandAPI api;
+    for (const auto operation :
+         {&VelstrandAPI::getDeviceList, (bool(VelstrandAPI::*)(const QString&, QJsonArray*) const) nullptr}) {
+        QJsonArray list{"untouched"};
+        const bool done =
+            operation ? (api.*operation)(kToken, &list) : api.getCloneList(kToken, QString(), &list);
+        QCOMPARE(done, array);
+        QCOMPARE(list, array ? QJsonArray{2} : QJsonArray{"untouched"});
+    }
+    QJsonObject user{{"untouched", true}}, reports = user;
+    const QJsonObject expected = object ? QJsonObject{{"a", 2}} : user;
+    QCOMPARE(api.getUserInfo(kToken, &user), object);
+    QCOMPARE(api.getReports(kToken, {}, &reports), object);
+    QCOMPARE(user, expected);
+    QCOMPARE(reports, expected);
+    QString config = QStringLiteral("untouched");
+    QCOMPARE(api.getGlobalConfig(kToken, &config), object);
+    QTEST(config, "configText");
+}
+
+void TestVelstrandAPI::failures_data()
+{
+    QTest::addColumn<Fault>("fault");
+    QTest::addColumn<bool>("toldByToolkit");
+    QTest::newRow("cut answer") << Fault::Cut << true;
+    QTest::newRow("dropped after the work") << Fault::DropAfterwards << true;
+    QTest::newRow("error page") << Fault::HttpError << false;
+    QTest::newRow("not JSON") << Fault::NotJson << false;
+    QTest::newRow("no body") << Fault::NoBody << true;
+    QTest::newRow("refused") << Fault::Refuse << true;
+    QTest::newRow("wrong shape") << Fault::WrongShape << false;
+}
+
+void TestVelstrandAPI::failures()
+{
+    QFETCH(Fault, fault);
+    const QString path = QStringLiteral("/api/v1/device/list");
+    m_fixture.service().setFault(path, fault);
+    const VelstrandAPI api;
+    QJsonArray array{"untouched"};
+    QVERIFY(!api.getDeviceList(m_fixture.service().userToken(), &array));
+    QCOMPARE(array, QJsonArray{"untouched"});
+    const auto response =
+        api.sendPostRequest(path, {{"token", m_fixture.service().userToken()}}, toolkit::Exchange::Read);
+    QTEST(!response.message.isEmpty(), "toldByToolkit");
+    m_fixture.service().setFault(path, Fault::None);
+    QVERIFY(api.getDeviceList(m_fixture.service().userToken(), &array));
+}
+
+void TestVelstrandAPI::aChangeIsSentOnce()
+{
+    const VelstrandAPI api;
+    auto& service = m_fixture.service();
+    const QString token = service.userToken(), path = QStringLiteral("/api/v1/device/confirm");
+    const QString id = service.farm().devices[0].toObject().value("android_id").toString();
+    QJsonArray devices;
+    QVERIFY(api.getDeviceList(token, &devices)); // leaves a connection that could be reused
+    service.clearRequests();
+    service.setFault(path, Fault::DropAfterwards);
+    QVERIFY(!api.confirmDevice(token, id));
+    QCOMPARE(service.requests(path).size(), 1);
+    QCOMPARE(service.farm().devices[0].toObject().value("status").toInt(), 1);
+    service.setFault(path, Fault::None);
+}
+
+void TestVelstrandAPI::unreachable()
+{
+    QTcpServer taken; // a port where nobody answers once it is closed
+    QVERIFY(taken.listen(QHostAddress::LocalHost));
+    const quint16 port = taken.serverPort();
+    taken.close();
+    VelstrandAPI api;
+    api.setBaseUrl(QStringLiteral("https://127.0.0.1:%1").arg(port));
+    const auto response = api.sendPostRequest("/x", {}, toolkit::Exchange::Read);
+    QVERIFY(!response.success);
+    QCOMPARE(int(response.code), 0);
+    QVERIFY2(!response.message.isEmpty(), "the toolkit's words are passed on");
+}
+
+void TestVelstrandAPI::untrusted()
+{
+    m_fixture.service().clearRequests();
+    VelstrandAPI api;
+    api.setTrustAnchors(QString());
+    const auto refused = api.sendPostRequest("/api/v1/device/list", {}, toolkit::Exchange::Read);
+    QVERIFY(!refused.success && !refused.message.isEmpty());
+    api.setTrustAnchors(QStringLiteral("/nonexistent.pem"));
+    QVERIFY(!api.sendPostRequest("/api/v1/device/list", {}, toolkit::Exchange::Read).message.isEmpty());
+    QVERIFY(m_fixture.service().requests().isEmpty());
+}
+
+void TestVelstrandAPI::concurrentRequests()
+{
+    const VelstrandAPI api;
+    const QString token = m_fixture.service().userToken();
+    std::atomic<int> done{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i)
+        threads.emplace_back([&] {
+            for (int k = 0; k < 20; ++k) {
+                QJsonArray array;
+                done += api.getDeviceList(token, &array) && array.size() == 40;
+            }
+        });
+    for (auto& thread : threads)
+        thread.join();
+    QCOMPARE(done.load(), 160);
+}
+
+void TestVelstrandAPI::logLines()
+{
+    m_fixture.service().setReply("/api/v1/user/get-info", 200, R"({"success":true,"data":{"a":1}})");
+    const LogCapture log;
+    QJsonObject user;
+    VelstrandAPI api;
+    api.getUserInfo("secret", &user);
+    api.updateGlobalConfig("secret", {});
+    const QStringList lines = log.lines();
+    const QString prefix = QStringLiteral("\\[D\\]\\[ %1 \\]\\[ \\d+ \\]");
+    const auto matches = [&](int line, const char* operation, const QString& rest) {
+        const QRegularExpression form('^' + prefix.arg(operation) + rest + '$');
+        return form.match(lines.value(line)).hasMatch();
+    };
+    QVERIFY(matches(0, "sendPostRequest",
+                    QStringLiteral(" url:  \"%1/api/v1/user/get-info\"").arg(api.baseUrl())));
+    QVERIFY(matches(1, "sendPostRequest", R"( params:  QJsonObject\(\{"token":"secret"\}\))"));
+    QVERIFY(matches(2, "getUserInfo", R"( doc:  QJsonDocument\(\{"a":1\}\))"));
+    QVERIFY(matches(3, "updateGlobalConfig", ""));
+}
+
+QTEST_GUILESS_MAIN(TestVelstrandAPI)
+#include "tst_velstrandapi.moc"

@@ -1,0 +1,73 @@
+#include "app/AppIO.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QSignalSpy>
+#include <QWindow>
+#include <QtTest>
+
+class TestAppIO : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        m_window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&m_window));
+    }
+
+    void keys_data()
+    {
+        QTest::addColumn<Qt::KeyboardModifiers>("held");
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<int>("selectAll");
+        QTest::addColumn<int>("copy");
+        const Qt::KeyboardModifiers none = Qt::NoModifier, control = Qt::ControlModifier;
+        QTest::newRow("Control+A") << control << Qt::Key_A << 1 << 0;
+        QTest::newRow("Control+C") << control << Qt::Key_C << 0 << 1;
+        QTest::newRow("Control+B") << control << Qt::Key_B << 0 << 0;
+        QTest::newRow("Control+X") << control << Qt::Key_X << 0 << 0;
+        QTest::newRow("A") << none << Qt::Key_A << 0 << 0;
+        QTest::newRow("Shift+C") << Qt::KeyboardModifiers(Qt::ShiftModifier) << Qt::Key_C << 0 << 0;
+        QTest::newRow("Control+Shift+A") << (control | Qt::ShiftModifier) << Qt::Key_A << 0 << 0;
+    }
+
+    void keys()
+    {
+        QFETCH(Qt::KeyboardModifiers, held);
+        QFETCH(Qt::Key, key);
+        QSignalSpy selectAll(&m_io, &AppIO::keyboardSelectAll);
+        QSignalSpy copy(&m_io, &AppIO::keyboardCopy);
+        QSignalSpy changed(&m_io, &AppIO::keyboardModifiersChanged);
+        const int steps = (held & Qt::ControlModifier ? 1 : 0) + (held & Qt::ShiftModifier ? 1 : 0);
+
+        if (held & Qt::ControlModifier)
+            QTest::keyPress(&m_window, Qt::Key_Control, Qt::ControlModifier);
+        if (held & Qt::ShiftModifier)
+            QTest::keyPress(&m_window, Qt::Key_Shift, held);
+        QCOMPARE(m_io.keyboardModifiers(), held);
+        QCOMPARE(changed.count(), steps);
+        QTest::sendKeyEvent(QTest::Press, &m_window, key, QString(), Qt::NoModifier);
+        QTest::sendKeyEvent(QTest::Release, &m_window, key, QString(), Qt::NoModifier);
+        QTEST(selectAll.count(), "selectAll");
+        QTEST(copy.count(), "copy");
+
+        QTest::keyRelease(&m_window, Qt::Key_Shift, Qt::NoModifier);
+        QTest::keyRelease(&m_window, Qt::Key_Control, Qt::NoModifier);
+        QCOMPARE(m_io.keyboardModifiers(), Qt::KeyboardModifiers(Qt::NoModifier));
+    }
+
+    void clipboard()
+    {
+        m_io.sendToClibboard(QStringLiteral("1\n<b>2</b>\n"));
+        QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1\n<b>2</b>\n"));
+    }
+
+private:
+    QWindow m_window;
+    AppIO m_io{qGuiApp};
+};
+
+QTEST_MAIN(TestAppIO)
+#include "tst_appio.moc"

@@ -1,0 +1,477 @@
+#include "app/Application.h"
+
+#include "app/AppIO.h"
+#include "devservice/DevService.h"
+#include "models/AppModel.h"
+#include "models/FarmProfile.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ServiceFixture.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMetaMethod>
+#include <QRegularExpression>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QThreadPool>
+#include <QTimer>
+#include <QtTest>
+
+#include <functional>
+#include <memory>
+
+using devservice::Fault;
+
+namespace {
+
+using Action = std::function<void(Application&)>;
+
+QString api(const char* path)
+{
+    return QStringLiteral("/api/v1/") + QLatin1String(path);
+}
+
+QSettings settings()
+{
+    return {QStringLiteral("Velstrand"), QStringLiteral("Velstrand Manager")};
+}
+
+AppModel& model()
+{
+    return *AppModel::instance();
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Action)
+
+/// The controller with the real model against the development service.
+class TestApplication : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void interfaceOrder();
+    void storedToken_data();
+    void storedToken();
+    void rejectedToken_data();
+    void rejectedToken();
+    void lateAnswerAboutAnotherToken();
+    void anotherAccountSeesItsOwnFarm();
+    void cachedUsersChangeNothing();
+    void lists();
+    void failedLists();
+    void changes_data();
+    void changes();
+    void savingTakesTheValuesOfTheMoment();
+    void importSendsOnlyWholeLines();
+    void globalSettings();
+    void reports();
+    void copyUids();
+    void versionCheck();
+    void closingWithJobsInFlight();
+
+private:
+    void signIn(const QString& token);
+    /// Sign-in with both lists in the model and no job left.
+    void enter();
+    static void settle() { QThreadPool::globalInstance()->waitForDone(); }
+    QStringList notifications() const;
+    devservice::DevService& service() { return m_fixture.service(); }
+
+    ServiceFixture m_fixture;
+    devservice::Farm m_farm = m_fixture.service().farm();
+    std::unique_ptr<Application> m_app;
+    std::unique_ptr<QSignalSpy> m_notified;
+};
+
+void TestApplication::init()
+{
+    service().setFarm(m_farm);
+    settings().remove("user_token");
+    m_app = std::make_unique<Application>(nullptr);
+    m_notified = std::make_unique<QSignalSpy>(m_app.get(), &Application::pushNotification);
+}
+
+void TestApplication::cleanup()
+{
+    settle();
+    m_notified.reset();
+    m_app.reset();
+    service().clearFaults();
+    service().setLatency(0);
+    service().clearRequests();
+    model().clearFarm();
+}
+
+QStringList TestApplication::notifications() const
+{
+    QStringList texts;
+    for (const auto& arguments : *m_notified)
+        texts.append(QString::number(arguments[0].toInt()) + ' ' + arguments[1].toString());
+    return texts;
+}
+
+void TestApplication::signIn(const QString& token)
+{
+    model().userInfo()->setToken(token);
+    m_app->checkUser();
+}
+
+void TestApplication::enter()
+{
+    signIn(service().adminToken());
+    QTRY_VERIFY(!model().cloneList().isEmpty() && !model().deviceList().isEmpty() && model().globalConfig());
+    settle();
+    QCoreApplication::processEvents();
+    m_notified->clear();
+    service().clearRequests();
+}
+
+void TestApplication::interfaceOrder()
+{
+    QStringList names, properties;
+    const QMetaObject& meta = Application::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        names.append(QString::fromLatin1(meta.method(i).methodSignature()));
+    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i)
+        properties.append(QLatin1String(meta.property(i).name()));
+    QCOMPARE(names, QStringList({"getUserInfo(QVariant)",
+                                 "getDeviceListDone(QVariantList)",
+                                 "getCloneListDone(QVariantList)",
+                                 "getGlobalConfig(QString)",
+                                 "pushNotification(int,QString)",
+                                 "checkUser()",
+                                 "loadAllCachedUsers()",
+                                 "getDeviceList()",
+                                 "confirmSelectedDevice(QObject*)",
+                                 "deleteSelectedDevice(QObject*)",
+                                 "saveDeviceConfig(QObject*)",
+                                 "getCloneList()",
+                                 "updateFarmProfile(QString)",
+                                 "resetSelectedClone()",
+                                 "deleteSelectedClone()",
+                                 "addClone(QString,QString,QString)",
+                                 "uploadDefinition(int,QString)",
+                                 "saveProfileSettings(QObject*)",
+                                 "applyGlobalSetting(int,QString,int,int,QString,int)",
+                                 "getReports()",
+                                 "selectAllClone(bool)",
+                                 "copyUIDsSelectedClones()",
+                                 "updateFilteredClone(QVariantMap)"}));
+    QCOMPARE(properties, QStringList{"appVersion"});
+    QVERIFY(meta.property(meta.propertyOffset()).isConstant());
+}
+
+void TestApplication::storedToken_data()
+{
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("none") << QString();
+    QTest::newRow("one") << QStringLiteral("a \"b\" ö");
+}
+
+void TestApplication::storedToken()
+{
+    QFETCH(QString, stored);
+    if (!stored.isEmpty())
+        settings().setValue("user_token", stored);
+    const LogCapture log;
+    m_app = std::make_unique<Application>(nullptr);
+    QCOMPARE(model().userInfo()->token(), stored);
+    QVERIFY(!model().userInfo()->isValidated());
+    const QRegularExpression form(
+        QStringLiteral("^\\[D\\]\\[ loadUserInfo \\]\\[ \\d+ \\] userToken:  \"%1\"$")
+            .arg(QRegularExpression::escape(QString(stored).replace('"', "\\\""))));
+    QVERIFY2(log.lines().filter(form).size() == 1, qPrintable(log.lines().join('\n')));
+}
+
+void TestApplication::rejectedToken_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<bool>("clears");
+    QTest::newRow("without a token") << QByteArray(R"({"success":true,"data":{"fullname":"x"}})") << true;
+    QTest::newRow("with an empty one") << QByteArray(R"({"success":true,"data":{"token":""}})") << true;
+    QTest::newRow("with a number") << QByteArray(R"({"success":true,"data":{"token":5}})") << true;
+    QTest::newRow("refused") << QByteArray(R"({"success":false,"data":{"token":"t"}})") << false;
+    QTest::newRow("wrong shape") << QByteArray(R"({"success":true,"data":[]})") << false;
+}
+
+void TestApplication::rejectedToken()
+{
+    QFETCH(QByteArray, answer);
+    QFETCH(bool, clears);
+    service().setReply(api("user/get-info"), 200, answer);
+    for (const bool validated : {false, true}) {
+        signIn("kept");
+        model().userInfo()->setIsValidated(validated);
+        settle();
+        QCoreApplication::processEvents();
+        QCOMPARE(model().userInfo()->token(), clears ? QString() : QStringLiteral("kept"));
+        QCOMPARE(model().userInfo()->isValidated(), validated && !clears);
+    }
+    QVERIFY(notifications().isEmpty());
+    QVERIFY(!settings().contains("user_token"));
+    QVERIFY(service().requests(api("config/get-global")).isEmpty());
+}
+
+void TestApplication::lateAnswerAboutAnotherToken()
+{
+    service().setLatency(300);
+    m_app->checkUser(); // about the empty token: would be a rejection
+    signIn(service().userToken());
+    QTRY_VERIFY(model().userInfo()->isValidated());
+    settle();
+    QCoreApplication::processEvents();
+    QCOMPARE(model().userInfo()->token(), service().userToken());
+    QCOMPARE(settings().value("user_token").toString(), service().userToken());
+    QCOMPARE(notifications().count("0 Load user info successful!"), 1);
+    QCOMPARE(service().requests(api("config/get-global")).size(), 1);
+}
+
+void TestApplication::anotherAccountSeesItsOwnFarm()
+{
+    enter();
+    model().userInfo()->setToken(QString());
+    QVERIFY(!model().userInfo()->isValidated());
+    service().setFault(api("device/list"), Fault::Refuse);
+    service().setFault(api("clone/list"), Fault::Refuse);
+    signIn(service().userToken());
+    QTRY_VERIFY(model().userInfo()->isValidated());
+    QVERIFY(model().deviceList().isEmpty());
+    QVERIFY(model().cloneList().isEmpty());
+}
+
+void TestApplication::cachedUsersChangeNothing()
+{
+    enter();
+    const auto devices = model().deviceList();
+    m_app->loadAllCachedUsers();
+    QCOMPARE(model().deviceList(), devices);
+    QVERIFY(model().cachedUsers().isEmpty());
+    signIn(service().userToken()); // the settings still work
+    QTRY_COMPARE(settings().value("user_token").toString(), service().userToken());
+}
+
+void TestApplication::lists()
+{
+    enter();
+    QCOMPARE(model().deviceList().size(), m_farm.devices.size());
+    QCOMPARE(model().cloneList().size(), m_farm.clones.size());
+    m_app->getDeviceList();
+    settle();
+    QCOMPARE(service().requests(api("device/list")).size(), 1);
+    QCOMPARE(service().requests(api("clone/list")).size(), 0);
+    model().setClones({});
+    m_app->getDeviceList();
+    settle();
+    QCOMPARE(service().requests(api("clone/list")).size(), 1);
+    QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size());
+}
+
+void TestApplication::failedLists()
+{
+    enter();
+    service().setFault(api("device/list"), Fault::WrongShape);
+    service().setFault(api("clone/list"), Fault::Cut);
+    QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
+    QSignalSpy clones(m_app.get(), &Application::getCloneListDone);
+    m_app->getDeviceList();
+    m_app->getCloneList();
+    QTRY_COMPARE(notifications().size(), 2);
+    QVERIFY(notifications().contains("2 Load device list failure!"));
+    QVERIFY(notifications().contains("2 Load clone list failure!"));
+    QCOMPARE(devices.size() + clones.size(), 2);
+    QVERIFY(model().deviceList().isEmpty());
+    QVERIFY(model().cloneList().isEmpty());
+}
+
+void TestApplication::changes_data()
+{
+    QTest::addColumn<Action>("action");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QString>("successText");
+    QTest::addColumn<QString>("failureText");
+    QTest::addColumn<QString>("refreshPath");
+    QTest::addColumn<bool>("refreshAfterFailure");
+    const auto row = [](const char* path, const Action& action, const char* done, const char* failed,
+                        const char* refresh, bool always) {
+        QTest::newRow(path) << action << api(path) << QString(done) << QString(failed) << api(refresh) << always;
+    };
+    const auto device = [] { return model().deviceList().first(); };
+    const auto tick = [] { model().clones().first()->setSelected(true); };
+    row("device/confirm", [=](auto& app) { app.confirmSelectedDevice(device()); }, "",
+        "2 Confirm device failure!", "device/list", false);
+    row("device/delete", [=](auto& app) { app.deleteSelectedDevice(device()); }, "",
+        "2 Delete device failure!", "device/list", true);
+    row("device/save-config", [=](auto& app) { app.saveDeviceConfig(device()); },
+        "0 Save device config successful!", "2 Save device config falure!", "", false);
+    row("clone/update-farm-profile", [=](auto& app) { tick(), app.updateFarmProfile("Warm-up"); }, "",
+        "2 Update farm profile failure!", "clone/list", true);
+    row("clone/reset-live", [=](auto& app) { tick(), app.resetSelectedClone(); }, "",
+        "2 Reset clone failure!", "clone/list", false);
+    row("clone/delete", [=](auto& app) { tick(), app.deleteSelectedClone(); }, "", "2 Delete clone failure!",
+        "clone/list", true);
+    row("clone/add", [](auto& app) { app.addClone("new-1|p", "facebook", "Warm-up"); }, "",
+        "2 Add clone failure!", "clone/list", false);
+    row("config/update-global", [](auto& app) { app.applyGlobalSetting(7, "", 0, 0, "", 0); },
+        "0 Save global config successful!", "2 Save global config failure!", "config/get-global", false);
+    row("user/upsert-farm-profile",
+        [](auto& app) { app.saveProfileSettings(model().userInfo()->farmProfiles().first()); },
+        "0 Save profile successful!", "2 Save profile failure!", "user/get-info", false);
+}
+
+void TestApplication::changes()
+{
+    QFETCH(Action, action);
+    QFETCH(QString, path);
+    QFETCH(QString, successText);
+    QFETCH(QString, failureText);
+    QFETCH(QString, refreshPath);
+    QFETCH(bool, refreshAfterFailure);
+    enter();
+
+    action(*m_app);
+    settle();
+    QCoreApplication::processEvents();
+    QCOMPARE(service().requests(path).size(), 1);
+    QCOMPARE(notifications().value(0), successText.isEmpty() ? notifications().value(0) : successText);
+    QVERIFY(notifications().filter("ailure").isEmpty());
+    QCOMPARE(service().requests(refreshPath).size(), refreshPath == api("") ? 0 : 1);
+
+    enter();
+    service().setFault(path, Fault::Refuse);
+    action(*m_app);
+    settle();
+    QCoreApplication::processEvents();
+    QCOMPARE(notifications(), QStringList{failureText});
+    QCOMPARE(service().requests(refreshPath).size(), refreshAfterFailure ? 1 : 0);
+}
+
+void TestApplication::savingTakesTheValuesOfTheMoment()
+{
+    enter();
+    DeviceInfo* const device = model().devices().first();
+    const QString id = device->androidId();
+    device->deviceConfig()->setDeviceLabel("as typed");
+    device->deviceConfig()->setConnectivityType(1);
+    service().setLatency(200);
+    m_app->saveDeviceConfig(device);
+    device->deviceConfig()->setDeviceLabel("typed later");
+    model().setDevices({});
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QTRY_COMPARE(notifications(), QStringList{"0 Save device config successful!"});
+    QCOMPARE(service().requests(api("device/save-config")).value(0).body,
+             QStringLiteral(R"({"android_id":"%1","device_config":{"connectivity_type":1,"device_label":)"
+                            R"("as typed"},"token":"%2"})")
+                 .arg(id, service().adminToken())
+                 .toUtf8());
+}
+
+void TestApplication::importSendsOnlyWholeLines()
+{
+    enter();
+    m_app->addClone(" \n\nonly-uid\n", "facebook", "Warm-up");
+    QVERIFY(service().requests(api("clone/add")).isEmpty());
+    m_app->addClone("u1|p1|s1|more\nbroken\nu2|p2", "facebook", "Warm-up");
+    settle();
+    QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size() + 2);
+    const auto clones = model().clones();
+    QCOMPARE(clones.last()->uid(), QStringLiteral("u2"));
+    QCOMPARE(clones[clones.size() - 2]->secretkey(), QStringLiteral("s1"));
+    QCOMPARE(clones.last()->farmProfile(), QStringLiteral("Warm-up"));
+}
+
+void TestApplication::globalSettings()
+{
+    enter();
+    m_app->applyGlobalSetting(0, "http://x/ä.apk", 12, 0, "", -1);
+    const auto body = service().requests(api("config/update-global")).value(0).body;
+    QCOMPARE(body, QStringLiteral(R"({"global_config":{"facebook_app_version":"12","velstrand_android_app_path":)"
+                                  R"("http://x/ä.apk","velstrand_definition_version":"-1"},"token":"%1"})")
+                       .arg(service().adminToken())
+                       .toUtf8());
+}
+
+void TestApplication::reports()
+{
+    enter();
+    QSignalSpy changed(&model(), &AppModel::reportListChanged);
+    m_app->getReports();
+    QTRY_COMPARE(changed.count(), 1);
+    const QDate today = QDate::currentDate();
+    for (int i = 0; i < 10; ++i) {
+        const auto* day = qobject_cast<ReportsByDate*>(model().reportList()[i]);
+        QCOMPARE(day->date(), today.addDays(-i).toString("yyyy-M-d"));
+        const QJsonObject expected = m_farm.reports.value(day->date()).toObject();
+        QCOMPARE(QJsonObject::fromVariantMap(day->data()), expected.value("total").toObject());
+        QCOMPARE(QJsonObject::fromVariantMap(day->details()), expected.value("device_details").toObject());
+    }
+    service().setFault(api("reports/get"), Fault::WrongShape);
+    m_app->getReports();
+    QTRY_COMPARE(notifications(), QStringList{"2 Load report list failure!"});
+    QCOMPARE(changed.count(), 1);
+}
+
+void TestApplication::copyUids()
+{
+    AppIO io(qGuiApp);
+    m_app->setAppIO(&io);
+    enter();
+    m_app->updateFilteredClone({{"uid", QStringList{model().clones()[2]->uid()}}});
+    m_app->selectAllClone(true);
+    m_app->updateFilteredClone({});
+    m_app->selectAllClone(false);
+    model().clones()[4]->setSelected(true);
+    model().clones()[1]->setSelected(true);
+    m_app->copyUIDsSelectedClones();
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             model().clones()[1]->uid() + '\n' + model().clones()[4]->uid() + '\n');
+}
+
+void TestApplication::versionCheck()
+{
+    enter();
+    auto* const timer = m_app->findChild<QTimer*>();
+    QCOMPARE(timer->interval(), 10000);
+    QVERIFY(timer->isActive() && !timer->isSingleShot());
+
+    // A check that takes long: the ticks meanwhile are dropped, later ones are not.
+    service().setLatency(150);
+    timer->setInterval(1);
+    QTest::qWait(400);
+    timer->stop();
+    settle();
+    const int slow = service().requests(api("config/get-global")).size();
+    QVERIFY2(slow >= 2 && slow <= 4, qPrintable(QString::number(slow)));
+
+    // A check that ends before the tick returns leaves nothing behind.
+    service().setLatency(0);
+    service().clearRequests();
+    timer->start();
+    QTRY_VERIFY(service().requests(api("config/get-global")).size() > 10);
+    QVERIFY(service().requests(QStringLiteral("/packages/velstrand_18.zip")).isEmpty());
+}
+
+void TestApplication::closingWithJobsInFlight()
+{
+    enter();
+    service().setLatency(100);
+    QObject* const device = model().deviceList().first();
+    for (const int wait : {0, 50, 100, 150}) {
+        m_app->getDeviceList();
+        m_app->getCloneList();
+        m_app->getReports();
+        m_app->checkUser();
+        m_app->saveDeviceConfig(device);
+        QTest::qSleep(wait);
+        m_app = std::make_unique<Application>(nullptr);
+        model().userInfo()->setToken(service().adminToken());
+    }
+    settle();
+}
+
+QTEST_MAIN(TestApplication)
+#include "tst_application.moc"

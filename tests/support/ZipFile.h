@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QVector>
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <sys/stat.h>
+
+/// One entry of an archive that a test makes. A name that ends in "/" is a folder.
+struct ZipMember {
+    QByteArray name;
+    QByteArray content;
+    int mode = 0755;
+};
+
+/// Writes a zip with the given members, in order, names as they stand.
+inline bool writeZip(const QString& path, const QVector<ZipMember>& members)
+{
+    archive* const zip = archive_write_new();
+    archive_write_set_format_zip(zip);
+    bool good = archive_write_open_filename(zip, path.toLocal8Bit().constData()) == ARCHIVE_OK;
+    for (const ZipMember& member : members) {
+        archive_entry* const entry = archive_entry_new();
+        archive_entry_set_pathname(entry, member.name.constData());
+        archive_entry_set_mode(entry, (member.name.endsWith('/') ? S_IFDIR : S_IFREG) | member.mode);
+        archive_entry_set_size(entry, member.content.size());
+        good = good && archive_write_header(zip, entry) == ARCHIVE_OK &&
+               archive_write_data(zip, member.content.constData(), size_t(member.content.size())) ==
+                   member.content.size();
+        archive_entry_free(entry);
+    }
+    good = archive_write_close(zip) == ARCHIVE_OK && good;
+    archive_write_free(zip);
+    return good;
+}
