@@ -1,12 +1,15 @@
 #pragma once
 
+#include "toolkit/Object.h"
+
 #include <string>
 
-namespace toolkit
-{
+namespace toolkit {
 
 /// An owned buffer of bytes: filled from a response, opened as an archive.
-struct BinaryData {
+class BinaryData : public Object<BinaryData>
+{
+public:
     std::string bytes;
 };
 

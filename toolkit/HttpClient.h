@@ -2,6 +2,7 @@
 
 #include "toolkit/HttpRequest.h"
 #include "toolkit/HttpResponse.h"
+#include "toolkit/Object.h"
 
 #include <filesystem>
 #include <memory>
@@ -9,8 +10,9 @@
 #include <utility>
 #include <vector>
 
-namespace toolkit
-{
+namespace toolkit {
+
+struct TransferOptions;
 
 /// Whether an exchange may be repeated on a new connection when a kept one turns out dead. A write is sent
 /// once at most, whatever the connection does.
@@ -18,16 +20,19 @@ enum class Exchange { Read, Write };
 
 /// One HTTP client for one request: settings in, outcome out. Synchronous; used on one thread. Connections
 /// outlive the client in a process-wide pool. Never throws: a failure is an absent result with LastErrorText.
-class HttpClient
+class HttpClient : public Object<HttpClient>
 {
 public:
-    /// Bounds name look-up, TCP and TLS together. Whole seconds; default 30.
+    /// Bounds name look-up, TCP and TLS together. Whole seconds from 1 to a day; default 30.
     void SetConnectTimeout(int seconds);
-    /// Longest time without a single byte of progress once the request goes out. Whole seconds; default 30.
+    /// Longest time without a single byte of progress once the request goes out. Whole seconds from 1 to a
+    /// day; default 60.
     void SetReadTimeout(int seconds);
-    /// A PEM file that is then the only trust anchor; empty (the default) means the system's store.
+    /// A PEM file that is then the only trust anchor; empty (the default) means the system's store. When the
+    /// file cannot be read, every request fails.
     void SetTrustAnchors(std::filesystem::path pemFile);
-    /// A header for the requests of this client; a second call with the same name replaces the value.
+    /// A header for the requests of this client; a second call with the same name replaces the value. One
+    /// that holds CR, LF or NUL makes every request fail.
     void SetRequestHeader(std::string name, std::string value);
 
     /// POSTs @p json to the absolute @p url. Null when there is no whole answer; an HTTP error status is an
@@ -40,21 +45,31 @@ public:
                                                      const HttpRequest& request);
 
     /// GETs @p url into @p file: written to "<file>.part", renamed when whole. True only for status 200 and a
-    /// whole body; otherwise @p file is as it was and no part file remains.
+    /// whole body of at most 1 GiB; otherwise @p file is as it was and no part file remains. At most five
+    /// redirects are followed, to https only.
     bool Download(const std::string& url, const std::filesystem::path& file);
 
     /// HTTP status of the last response; 0 when there was none.
-    int LastStatus() const { return m_lastStatus; }
+    int LastStatus() const { return IsValid() ? m_lastStatus : 0; }
     /// Outcome of the last operation on this object.
-    bool LastCallSucceeded() const { return m_lastSucceeded; }
+    bool LastCallSucceeded() const { return IsValid() && m_lastSucceeded; }
     /// Why the last operation failed, in words; empty after a success.
     const std::string& LastErrorText() const { return m_lastError; }
 
 private:
+    using HeaderList = std::vector<std::pair<std::string, std::string>>;
+
+    /// Runs @p operation and notes its outcome; the words of what it throws become the last error text.
+    template <typename Operation>
+    bool Attempt(Operation operation);
+    /// Carries out the exchange with this client's settings. Throws unless the answer is whole.
+    void Run(TransferOptions options, const HeaderList& headers);
+    std::unique_ptr<HttpResponse> RunForAnswer(TransferOptions options, const HeaderList& headers);
+
     long m_connectTimeoutMs = 30000;
-    long m_readTimeoutMs = 30000;
+    long m_readTimeoutMs = 60000;
     std::filesystem::path m_trustAnchors;
-    std::vector<std::pair<std::string, std::string>> m_headers;
+    HeaderList m_headers;
     int m_lastStatus = 0;
     bool m_lastSucceeded = false;
     std::string m_lastError;

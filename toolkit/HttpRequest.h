@@ -1,19 +1,21 @@
 #pragma once
 
+#include "toolkit/Object.h"
+
 #include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
 
-namespace toolkit
-{
+namespace toolkit {
 
 /// A multipart request that is built field by field and sent with HttpClient::SynchronousRequest.
 /// Used on one thread. Text is UTF-8. A header or field that holds CR, LF or NUL is refused when the request
 /// is sent.
-class HttpRequest
+class HttpRequest : public Object<HttpRequest>
 {
 public:
+    /// Only "POST" can be sent.
     void SetVerb(std::string verb);
     /// The path on the server, beginning with "/".
     void Path(std::string path);
@@ -31,6 +33,7 @@ public:
 
 private:
     friend class HttpClient;
+    friend class Multipart;
 
     struct FilePart {
         std::string name;

@@ -6,11 +6,10 @@
 #include <string>
 #include <string_view>
 
-namespace toolkit
-{
+namespace toolkit {
 
 /// The outcome of one request that was answered whole. Owned by the caller.
-class HttpResponse
+class HttpResponse : public Object<HttpResponse>
 {
 public:
     explicit HttpResponse(std::string body) : m_body(std::move(body)) {}
@@ -18,11 +17,17 @@ public:
     /// The body as text, or nothing when it has no bytes. Valid as long as the response.
     std::optional<std::string_view> BodyStr() const
     {
-        return m_body.empty() ? std::nullopt : std::optional<std::string_view>(m_body);
+        return IsValid() && !m_body.empty() ? std::optional<std::string_view>(m_body) : std::nullopt;
     }
 
-    /// Copies the body's bytes into @p data.
-    void GetBodyBd(BinaryData* data) const { data->bytes = m_body; }
+    /// Copies the body's bytes into @p data. False, with @p data untouched, when either is not valid.
+    bool GetBodyBd(BinaryData* data) const
+    {
+        if (!IsValid() || !data->IsValid())
+            return false;
+        data->bytes = m_body;
+        return true;
+    }
 
 private:
     std::string m_body;

@@ -6,23 +6,30 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <variant>
 
-namespace toolkit
-{
+namespace toolkit {
 
-/// One member of an archive, read into memory when it was looked up.
-class ZipEntry
+class ZipReader;
+
+/// One member of an archive, read into memory when it was looked up. Owned by the caller.
+class ZipEntry : public Object<ZipEntry>
 {
 public:
+    explicit ZipEntry(std::string content) : m_content(std::move(content)) {}
+
     /// The content as UTF-8 text. Line-ending mode 0 keeps the line endings as they are stored; no other mode
-    /// is offered. @p charset is that of the stored text; "utf-8" is offered. Nothing for any other value, a
-    /// wrong password, damaged data or text that is not valid in the character set.
+    /// is offered. @p charset is that of the stored text; "utf-8" is offered. Nothing for any other value, or
+    /// for text that is not valid in the character set.
     std::optional<std::string> UnzipToString(int lineEndingMode, const std::string& charset) const;
+
+private:
+    std::string m_content;
 };
 
 /// A zip archive read from memory or from a file. Used on one thread. Never throws: a failure is a false or
 /// absent result with LastErrorText.
-class ZipArchive
+class ZipArchive : public Object<ZipArchive>
 {
 public:
     /// Opens an archive that is held in memory (copied).
@@ -30,16 +37,27 @@ public:
     bool OpenZip(const std::filesystem::path& file);
     /// Password for encrypted entries; before or after opening.
     void SetPassword(std::string password);
-    /// The entry at @p index, counted from 0 in the order of the archive; null ("Index out of range").
+    /// The entry at @p index, counted from 0 in the order of the archive. Null when there is none ("Index out
+    /// of range"), when its content is damaged or above 256 MiB, or when the password is wrong.
     std::unique_ptr<ZipEntry> GetEntryByIndex(int index);
-    /// Unpacks every entry below @p directory, paths kept. The number of files, or -1; an archive with a
-    /// hostile entry is refused before anything is written.
+    /// Unpacks every entry below @p directory, paths kept, replacing what lies there under the same names.
+    /// The number of files, or -1. An archive with a hostile or a damaged entry is refused before anything is
+    /// written.
     int Unzip(const std::filesystem::path& directory);
     void CloseZip();
 
+    /// Why the last operation failed, in words; empty after a success.
     const std::string& LastErrorText() const { return m_lastError; }
 
 private:
+    template <typename Operation>
+    bool Attempt(Operation operation);
+    /// Throws when nothing is open.
+    std::unique_ptr<ZipReader> Reader() const;
+
+    /// Nothing, the bytes of an archive, or the file that holds one.
+    std::variant<std::monostate, std::string, std::filesystem::path> m_source;
+    std::string m_password;
     std::string m_lastError;
 };
 

@@ -1,0 +1,82 @@
+#include "toolkit/Multipart.h"
+
+#include "toolkit/HttpText.h"
+
+#include <algorithm>
+#include <new>
+#include <stdexcept>
+
+namespace toolkit {
+namespace {
+
+void RequireOneLine(const std::string& text)
+{
+    if (BreaksLine(text))
+        throw std::runtime_error("A form field holds a line break or a NUL");
+}
+
+} // namespace
+
+Multipart::Multipart(const HttpRequest& request) : m_request(request)
+{
+    for (const auto& [name, value] : request.m_params) {
+        RequireOneLine(name);
+        RequireOneLine(value);
+    }
+    for (const auto& part : request.m_files) {
+        RequireOneLine(part.name);
+        std::ifstream stream(part.path, std::ios::binary | std::ios::ate);
+        const std::streamoff size = stream ? static_cast<std::streamoff>(stream.tellg()) : -1;
+        if (size < 0 || !stream.seekg(0))
+            throw std::runtime_error("Cannot read the file " + part.path.u8string());
+        m_files.push_back({this, &part, std::move(stream), static_cast<std::uint64_t>(size)});
+    }
+}
+
+MimePtr Multipart::Build(CURL* easy)
+{
+    const auto require = [](bool done) {
+        if (!done)
+            throw std::bad_alloc();
+    };
+    MimePtr mime(curl_mime_init(easy));
+    require(mime != nullptr);
+    const auto add = [&](const std::string& name) {
+        curl_mimepart* const part = curl_mime_addpart(mime.get());
+        require(part && curl_mime_name(part, name.c_str()) == CURLE_OK);
+        return part;
+    };
+    for (const auto& [name, value] : m_request.m_params)
+        require(curl_mime_data(add(name), value.data(), value.size()) == CURLE_OK);
+    for (File& file : m_files) {
+        curl_mimepart* const part = add(file.part->name);
+        const std::string fileName = file.part->path.filename().u8string();
+        require(curl_mime_filename(part, fileName.c_str()) == CURLE_OK &&
+                curl_mime_type(part, "application/octet-stream") == CURLE_OK &&
+                curl_mime_data_cb(part, static_cast<curl_off_t>(file.left), &Multipart::Read, nullptr,
+                                  nullptr, &file) == CURLE_OK);
+    }
+    return mime;
+}
+
+std::size_t Multipart::Read(char* buffer, std::size_t size, std::size_t count, void* argument) noexcept
+{
+    auto& file = *static_cast<File*>(argument);
+    const auto wanted = std::min<std::uint64_t>(size * count, file.left);
+    if (wanted == 0)
+        return 0;
+    file.stream.read(buffer, static_cast<std::streamsize>(wanted));
+    const auto got = static_cast<std::size_t>(file.stream.gcount());
+    if (got == 0) {
+        try {
+            file.form->m_error = "The file " + file.part->path.u8string() + " could not be read to its end";
+        } catch (...) {
+            // The transfer ends all the same, with libcurl's words.
+        }
+        return CURL_READFUNC_ABORT;
+    }
+    file.left -= got;
+    return got;
+}
+
+} // namespace toolkit
