@@ -34,7 +34,6 @@ class TestUserInfo : public QObject
 private slots:
     void answers_data();
     void answers();
-    void emptyTokenEndsTheSession();
     void tokenOnManyThreads();
     void profilesAreReplacedWhole();
     void tempProfiles_data();
@@ -76,17 +75,9 @@ void TestUserInfo::answers()
                                       QString::number(user.userType()), user.userName(), user.phoneNumber(),
                                       profileNames(user).replace('|', ','));
         QTEST(seen, "expected");
+        user.setToken("");
+        QVERIFY(!user.isValidated());
     }
-}
-
-void TestUserInfo::emptyTokenEndsTheSession()
-{
-    UserInfo user("t");
-    user.setIsValidated(true);
-    user.setToken("u");
-    QVERIFY(user.isValidated());
-    user.setToken("");
-    QVERIFY(!user.isValidated());
 }
 
 void TestUserInfo::tokenOnManyThreads()
