@@ -78,7 +78,7 @@ function rate(job) {
 
 /// What the jobs of a map from job name to count have earned, in vnd.
 function income(jobs) {
-    return Object.keys(jobs).reduce((sum, job) => sum + rate(job) * (Number(jobs[job]) || 0), 0)
+    return entries(jobs).reduce((sum, job) => sum + rate(job.key) * (Number(job.value) || 0), 0)
 }
 
 /// The digits of a whole number in groups of three: 1.000.000.
@@ -94,7 +94,7 @@ function groupedUnpadded(number) {
     return groups.join(".") || "0"
 }
 
-/// A map's entries in its key order, for use as a view's model.
+/// A map's entries in its key order, for use as a view's model. What is no map has none.
 function entries(map) {
-    return Object.keys(map || {}).map(key => ({ key: key, value: map[key] }))
+    return Object.keys(Object(map)).map(key => ({ key: key, value: map[key] }))
 }

@@ -4,7 +4,7 @@ import "../Format.js" as Format
 
 /// A clone of the clone page. The view builds a hundred screens of these, so there is little in one: what is
 /// shown only now and then is made when it is needed.
-Item {
+FocusScope {
     id: row
 
     readonly property bool current: ListView.isCurrentItem
@@ -28,10 +28,6 @@ Item {
         maximumLineCount: 1
     }
 
-    function toggle() {
-        modelData.selected = !modelData.selected
-    }
-
     function copy(cell, text) {
         AppIO.sendToClibboard(text)
         badge.cell = cell
@@ -49,6 +45,10 @@ Item {
     Accessible.name: uidCell.text
     Accessible.selected: modelData.selected
     Accessible.onPressAction: view.currentIndex = index
+
+    Keys.onSpacePressed: modelData.selected = !modelData.selected
+    Keys.onReturnPressed: held()
+    Keys.onEnterPressed: held()
 
     Rectangle {
         objectName: "rowBackground"
@@ -139,10 +139,13 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         active: row.checkable
 
-        sourceComponent: RowCheckBox {
+        sourceComponent: SquareCheckBox {
             objectName: "check"
             size: 50 / 3
             checked: modelData.selected
+
+            // By keyboard a row's box is reached from its row, so that the way past the list is one step.
+            focusPolicy: row.current ? Qt.StrongFocus : Qt.ClickFocus
 
             Accessible.name: uidCell.text
 

@@ -78,10 +78,6 @@ Item {
             Accessible.role: Accessible.List
             Accessible.name: qsTr("Devices")
 
-            Keys.onReturnPressed: if (currentItem) currentItem.edit()
-            Keys.onEnterPressed: if (currentItem) currentItem.edit()
-            Keys.onSpacePressed: if (currentItem) currentItem.edit()
-
             onPullToRefreshReleased: AppManager.getDeviceList()
 
             delegate: DeviceRow {

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import QtQuick.Window 2.15
 import "../component"
 import "../Format.js" as Format
 
@@ -35,10 +36,20 @@ FocusScope {
         open = true
     }
 
-    /// Opens the row and puts the keyboard on its first field.
-    function edit() {
-        activate()
-        connectivityBox.forceActiveFocus(Qt.TabFocusReason)
+    /// Gives the keyboard to the row itself, whichever of its fields had it before.
+    function takeFocus(reason) {
+        forceActiveFocus(reason)
+        for (let item = Window.activeFocusItem; item && item !== row; item = Window.activeFocusItem)
+            item.focus = false
+    }
+
+    /// Opens the row and goes to its first field.
+    function edit(event) {
+        event.accepted = Window.activeFocusItem === row
+        if (event.accepted) {
+            activate()
+            connectivityBox.forceActiveFocus(Qt.TabFocusReason)
+        }
     }
 
     function save() {
@@ -57,9 +68,12 @@ FocusScope {
     Accessible.selected: current
     Accessible.onPressAction: activate()
 
+    Keys.onReturnPressed: edit(event)
+    Keys.onEnterPressed: edit(event)
+    Keys.onSpacePressed: edit(event)
     Keys.onEscapePressed: {
         open = false
-        view.forceActiveFocus(Qt.TabFocusReason)
+        takeFocus(Qt.TabFocusReason)
     }
 
     onCurrentChanged: {
@@ -96,8 +110,8 @@ FocusScope {
         width: parent.width
         height: 50
         onClicked: {
-            row.view.forceActiveFocus(Qt.MouseFocusReason)
             row.activate()
+            row.takeFocus(Qt.MouseFocusReason)
         }
     }
 
