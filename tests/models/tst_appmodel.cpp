@@ -309,6 +309,11 @@ void TestAppModel::reportsFillTheirDays()
     QCOMPARE(figures(3), "2024-2-28  ");
     QCOMPARE(figures(4), "2024-2-27 5 ");
     QCOMPARE(figures(9), "2024-2-22 2 2");
+    model.setClones({clone("1")});
+    model.clearFarm();
+    QCOMPARE(figures(0), model.reportDates()[0].toString() + "  ");
+    QVERIFY(model.deviceList().isEmpty() && model.cloneList().isEmpty());
+    QCOMPARE(model.totalFilteredClones(), 0);
 }
 
 void TestAppModel::reportsFromWorkers()
