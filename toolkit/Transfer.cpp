@@ -11,14 +11,24 @@
 #include <memory>
 #include <new>
 
+#ifndef _WIN32
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#endif
+
 namespace toolkit {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr std::size_t kMaxHeadBytes = 1u << 20;
+constexpr std::size_t kMaxHeadBytes = 256 * 1024;
 constexpr long kMaxRedirects = 5;
+
+constexpr const char* kTooLarge = "The answer is too large";
+constexpr const char* kNotWritten = "The answer cannot be written";
+
 /// Seconds for which an idle connection is trusted to be alive.
 constexpr long kMaxIdleSeconds = 30;
 
@@ -76,6 +86,17 @@ private:
     bool m_complete = false;
     bool m_framed = false;
 };
+
+#ifdef TCP_NOTSENT_LOWAT
+/// Keeps the system from taking megabytes of an upload at once and then, on a slow line, nothing for a
+/// minute, which looks like a stalled transfer.
+int LimitUnsentBytes(void*, curl_socket_t socket, curlsocktype) noexcept
+{
+    const int bytes = 64 * 1024;
+    setsockopt(socket, IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
+    return CURL_SOCKOPT_OK;
+}
+#endif
 
 class Transfer
 {
@@ -141,8 +162,14 @@ Value Transfer::Info(CURLINFO info) const
 }
 
 std::size_t Transfer::OnHeader(char* data, std::size_t size, std::size_t count, void* self) noexcept
-{
-    return static_cast<Transfer*>(self)->m_head.Add({data, size * count}) ? size * count : 0;
+try {
+    auto& transfer = *static_cast<Transfer*>(self);
+    if (transfer.m_head.Add({data, size * count}))
+        return size * count;
+    transfer.m_fault = kTooLarge;
+    return 0;
+} catch (...) {
+    return 0;
 }
 
 std::size_t Transfer::OnBody(char* data, std::size_t size, std::size_t count, void* self) noexcept
@@ -151,11 +178,11 @@ try {
     const std::size_t bytes = size * count;
     transfer.m_bodyBytes += bytes;
     if (transfer.m_bodyBytes > transfer.m_options.maxBytes) {
-        transfer.m_fault = "The answer is too large";
+        transfer.m_fault = kTooLarge;
         return 0;
     }
     if (!transfer.m_options.sink({data, bytes})) {
-        transfer.m_fault = "The answer cannot be written";
+        transfer.m_fault = kNotWritten;
         return 0;
     }
     return bytes;
@@ -183,6 +210,9 @@ void Transfer::SetUp()
     Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+#ifdef TCP_NOTSENT_LOWAT
+    Set(CURLOPT_SOCKOPTFUNCTION, &LimitUnsentBytes);
+#endif
     Set(CURLOPT_CONNECTTIMEOUT_MS, m_options.connectTimeoutMs);
     Set(CURLOPT_MAXAGE_CONN, kMaxIdleSeconds);
     // libcurl sends a request again when a kept connection dies under it. A write may have been carried out
@@ -333,7 +363,7 @@ std::string Transfer::ErrorText(CURLcode code, int status) const
     case CURLE_RECV_ERROR:
         return "The answer was cut off: " + words;
     case CURLE_FILESIZE_EXCEEDED:
-        return "The answer is too large";
+        return kTooLarge;
     default:
         return words;
     }
