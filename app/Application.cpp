@@ -322,10 +322,12 @@ void Application::getReports()
 {
     start([](const Job& job) {
         AppModel* const model = AppModel::instance();
+        const QString token = job.token();
         QJsonObject reports;
-        if (job.api->getReports(job.token(), model->reportDates(), &reports))
+        const bool fetched = job.api->getReports(token, model->reportDates(), &reports);
+        if (fetched && job.token() == token)
             model->applyReports(reports);
-        else
+        else if (!fetched)
             job.outlet->deliver(
                 [](Application* app) { emit app->pushNotification(Error, tr("Load report list failure!")); });
     });

@@ -6,10 +6,13 @@
 #include "toolkit/HttpClient.h"
 
 #include <QJsonObject>
-#include <QTcpServer>
+#include <QRegularExpression>
 #include <QtTest>
 
+#include <atomic>
 #include <functional>
+#include <thread>
+#include <vector>
 
 using devservice::Fault;
 
@@ -18,14 +21,10 @@ namespace {
 const QString kToken = QStringLiteral("t\"ö");
 using Call = std::function<bool(const VelstrandAPI&)>;
 
-QJsonObject parse(const char* json)
-{
-    return QJsonDocument::fromJson(json).object();
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(Call)
+Q_DECLARE_METATYPE(Fault)
 
 /// The service client against the development service, over TLS.
 class TestVelstrandAPI : public QObject
@@ -33,6 +32,9 @@ class TestVelstrandAPI : public QObject
     Q_OBJECT
 
 private slots:
+    void init() { m_fixture->clearFaults(); }
+    void cleanup() { m_fixture->clearRequests(); }
+
     void requestsAreExact_data();
     void requestsAreExact();
     void envelope_data();
@@ -146,7 +148,7 @@ void TestVelstrandAPI::envelope_data()
     row("not JSON", 200, "{\"success\":true", 200, false, "", "");
     row("an array", 200, R"([{"success":true}])", 200, false, "", "");
     row("nested too deep", 200, QByteArray(5000, '['), 200, false, "", "");
-    row("broken UTF-8", 200, "{\"success\":true,\"message\":\"\xff\"}", 200, true, "\xef\xbf\xbd", "");
+    row("broken UTF-8", 200, "{\"success\":true,\"message\":\"\xff\"}", 200, false, "", "");
     row("no body", 200, "", 200, false, "No response body", "");
 }
 
@@ -159,8 +161,7 @@ void TestVelstrandAPI::envelope()
     const ApiResponse response = VelstrandAPI().sendPostRequest(path, {}, toolkit::Exchange::Read);
     QTEST(int(response.code), "code");
     QTEST(response.success, "success");
-    if (QByteArray(QTest::currentDataTag()) != "broken UTF-8")
-        QTEST(response.message, "message");
+    QTEST(response.message, "message");
     QTEST(response.data.toJson(QJsonDocument::Compact), "data");
     QCOMPARE(m_fixture.service().requests(path).last().body, QByteArray("{}"));
 }
@@ -190,14 +191,12 @@ void TestVelstrandAPI::readingOperations()
         m_fixture.service().setReply(QStringLiteral("/api/v1/") + path, 200, reply);
 
     const VelstrandAPI api;
-    for (const auto operation :
-         {&VelstrandAPI::getDeviceList, (bool(VelstrandAPI::*)(const QString&, QJsonArray*) const) nullptr}) {
-        QJsonArray list{"untouched"};
-        const bool done =
-            operation ? (api.*operation)(kToken, &list) : api.getCloneList(kToken, QString(), &list);
-        QCOMPARE(done, array);
-        QCOMPARE(list, array ? QJsonArray{2} : QJsonArray{"untouched"});
-    }
+    QJsonArray devices{"untouched"}, clones = devices;
+    const QJsonArray expectedList = array ? QJsonArray{2} : devices;
+    QCOMPARE(api.getDeviceList(kToken, &devices), array);
+    QCOMPARE(api.getCloneList(kToken, QString(), &clones), array);
+    QCOMPARE(devices, expectedList);
+    QCOMPARE(clones, expectedList);
     QJsonObject user{{"untouched", true}}, reports = user;
     const QJsonObject expected = object ? QJsonObject{{"a", 2}} : user;
     QCOMPARE(api.getUserInfo(kToken, &user), object);
@@ -256,12 +255,14 @@ void TestVelstrandAPI::aChangeIsSentOnce()
 
 void TestVelstrandAPI::unreachable()
 {
-    QTcpServer taken; // a port where nobody answers once it is closed
-    QVERIFY(taken.listen(QHostAddress::LocalHost));
-    const quint16 port = taken.serverPort();
-    taken.close();
     VelstrandAPI api;
-    api.setBaseUrl(QStringLiteral("https://127.0.0.1:%1").arg(port));
+    {
+        devservice::Options options;
+        options.devices = options.clones = 0;
+        devservice::DevService gone(options);
+        QVERIFY(gone.start());
+        api.setBaseUrl(gone.origin());
+    }
     const auto response = api.sendPostRequest("/x", {}, toolkit::Exchange::Read);
     QVERIFY(!response.success);
     QCOMPARE(int(response.code), 0);

@@ -47,7 +47,7 @@ private slots:
         if (held & Qt::ShiftModifier)
             QTest::keyPress(&m_window, Qt::Key_Shift, held);
         QCOMPARE(m_io.keyboardModifiers(), held);
-        QCOMPARE(changed.count(), steps);
+        QVERIFY(changed.count() >= steps);
         QTest::sendKeyEvent(QTest::Press, &m_window, key, QString(), Qt::NoModifier);
         QTest::sendKeyEvent(QTest::Release, &m_window, key, QString(), Qt::NoModifier);
         QTEST(selectAll.count(), "selectAll");

@@ -18,10 +18,12 @@ namespace {
 /// A program that tells which build was started, with how many arguments and where.
 QByteArray program(const char* build)
 {
-    return QByteArray("#!/bin/sh\nprintf '%s' \"") + build + " $# $PWD $0\" > started.tmp\nmv started.tmp started\n";
+    return QByteArray("#!/bin/sh\nprintf '%s' \"") + build +
+           " $# $PWD $0\" > started.tmp\nmv started.tmp started\n";
 }
 
-const Members kGoodPackage{{"velstrand/Velstrand.exe", program("new")}, {"velstrand/lib/data.bin", "x", 0644}};
+const Members kGoodPackage{{"velstrand/Velstrand.exe", program("new")},
+                           {"velstrand/lib/data.bin", "x", 0644}};
 
 } // namespace
 
@@ -82,7 +84,8 @@ QStringList TestSelfUpdate::listing() const
                     QDirIterator::Subdirectories);
     while (it.hasNext()) {
         it.next();
-        names.append(QDir(m_folder->path()).relativeFilePath(it.filePath()) + (it.fileInfo().isDir() ? "/" : ""));
+        names.append(QDir(m_folder->path()).relativeFilePath(it.filePath()) +
+                     (it.fileInfo().isDir() ? "/" : ""));
     }
     names.removeAll("started");
     names.sort();
@@ -110,7 +113,8 @@ QString TestSelfUpdate::update(const Members& package, int* exitCode, const QStr
     runner.setProcessEnvironment(environment);
     runner.setWorkingDirectory(m_folder->path());
     const bool found = QByteArray(QTest::currentDataTag()) != "not to be had";
-    runner.start(UPDATE_RUNNER, {"19", fixture.service().origin() + "/packages/velstrand_" + (found ? "19" : "20") + ".zip"});
+    runner.start(UPDATE_RUNNER, {"19", fixture.service().origin() + "/packages/velstrand_" +
+                                           (found ? "19" : "20") + ".zip"});
     runner.waitForFinished();
     *exitCode = runner.exitStatus() == QProcess::NormalExit ? runner.exitCode() : -1;
     return QString::fromUtf8(runner.readAllStandardError());
@@ -135,27 +139,34 @@ void TestSelfUpdate::outcomes_data()
     const QStringList swapped{"Velstrand.exe", "temp.dat", "tmp/"};
     const QStringList same{"Velstrand.exe", "tmp/"};
     const QStringList kept{"Velstrand.exe", "tmp/", "tmp/velstrand_19.zip"};
-    QTest::newRow("good") << kGoodPackage << QStringList() << "]Unzip success!" << "new" << swapped;
+    QTest::newRow("good") << kGoodPackage << QStringList() << "]Unzip success!"
+                          << "new" << swapped;
     QTest::newRow("left-overs of a broken attempt")
         << kGoodPackage
         << QStringList{"tmp/velstrand_19.zip/x", "tmp/velstrand/Velstrand.exe/x", "tmp/velstrand_19.zip.part",
                        "Velstrand.exe.part"}
-        << "]Unzip success!" << "new" << QStringList{"Velstrand.exe", "Velstrand.exe.part", "temp.dat", "tmp/"};
-    QTest::newRow("unpacked folder is a file")
-        << kGoodPackage << QStringList{"tmp/velstrand"} << "success" << "new" << swapped;
-    QTest::newRow("no temporary folder") << kGoodPackage << QStringList{"tmp"} << "Create tmp folder failed!" << ""
-                                         << QStringList{"Velstrand.exe", "tmp"};
-    QTest::newRow("not to be had") << kGoodPackage << QStringList() << "Download ERROR:" << "" << same;
-    QTest::newRow("not a zip") << Members() << QStringList() << "installNewVersion" << "" << kept;
+        << "]Unzip success!"
+        << "new" << QStringList{"Velstrand.exe", "Velstrand.exe.part", "temp.dat", "tmp/"};
+    QTest::newRow("unpacked folder is a file") << kGoodPackage << QStringList{"tmp/velstrand"} << "success"
+                                               << "new" << swapped;
+    QTest::newRow("no temporary folder") << kGoodPackage << QStringList{"tmp"} << "Create tmp folder failed!"
+                                         << "" << QStringList{"Velstrand.exe", "tmp"};
+    QTest::newRow("not to be had") << kGoodPackage << QStringList() << "Download ERROR:"
+                                   << "" << same;
+    QTest::newRow("not a zip") << Members() << QStringList() << "installNewVersion"
+                               << "" << kept;
     QTest::newRow("hostile") << Members{{"../evil", "x"}, {"velstrand/Velstrand.exe", program("new")}}
-                             << QStringList() << "../evil" << "" << kept;
-    QTest::newRow("executable at the top") << Members{{"Velstrand.exe", program("new")}} << QStringList()
-                                           << "success" << "old"
-                                           << QStringList{"Velstrand.exe", "tmp/", "tmp/Velstrand.exe"};
-    QTest::newRow("an earlier build is parked") << kGoodPackage << QStringList{"temp.dat"}
-                                                << "tmp/velstrand/Velstrand.exe\"  don't exist" << "old" << swapped;
-    QTest::newRow("executable is a folder") << Members{{"velstrand/Velstrand.exe/", ""}} << QStringList()
-                                            << "Copy new bin failed!" << "none" << QStringList{"temp.dat", "tmp/"};
+                             << QStringList() << "leads out of its folder"
+                             << "" << kept;
+    QTest::newRow("executable at the top")
+        << Members{{"Velstrand.exe", program("new")}} << QStringList() << "success"
+        << "old" << QStringList{"Velstrand.exe", "tmp/", "tmp/Velstrand.exe"};
+    QTest::newRow("an earlier build is parked")
+        << kGoodPackage << QStringList{"temp.dat"} << "tmp/velstrand/Velstrand.exe\"  don't exist"
+        << "old" << swapped;
+    QTest::newRow("executable is a folder")
+        << Members{{"velstrand/Velstrand.exe/", ""}} << QStringList() << "Copy new bin failed!"
+        << "none" << QStringList{"temp.dat", "tmp/"};
 }
 
 void TestSelfUpdate::outcomes()
@@ -186,11 +197,16 @@ void TestSelfUpdate::killed_data()
 {
     QTest::addColumn<QString>("killAt");
     QTest::addColumn<QString>("survivor");
-    QTest::newRow("before the download") << "outputPah" << "old";
-    QTest::newRow("downloaded") << "Download new version" << "old";
-    QTest::newRow("unpacked") << "]Unzip success!" << "old";
-    QTest::newRow("swapped") << "velstrand\"  : " << "new";
-    QTest::newRow("cleared up") << ".zip\"  : " << "new";
+    QTest::newRow("before the download") << "outputPah"
+                                         << "old";
+    QTest::newRow("downloaded") << "Download new version"
+                                << "old";
+    QTest::newRow("unpacked") << "]Unzip success!"
+                              << "old";
+    QTest::newRow("swapped") << "velstrand\"  : "
+                             << "new";
+    QTest::newRow("cleared up") << ".zip\"  : "
+                                << "new";
 }
 
 void TestSelfUpdate::killed()

@@ -1,11 +1,12 @@
-// Installs one update like a running manager does: updaterunner VERSION URL. Logs to stderr. With KILL_AT in the
-// environment it dies, unwarned, as soon as a line that contains that text is logged. Exit code 3 means that the
-// update ended without a restart.
+// Installs one update like a running manager does: updaterunner VERSION URL. Logs to stderr. With KILL_AT in
+// the environment it dies, unwarned, as soon as a line that contains that text is logged. Exit code 3 means
+// that the update ended without a restart.
 
 #include "api/SelfUpdate.h"
 #include "api/VelstrandAPI.h"
 
 #include <QCoreApplication>
+#include <QThread>
 #include <QtConcurrent>
 
 #include <csignal>
@@ -23,6 +24,7 @@ int main(int argc, char* argv[])
     const QStringList arguments = QCoreApplication::arguments();
     QtConcurrent::run([&] {
         installNewVersion(VelstrandAPI(), arguments.value(1).toInt(), arguments.value(2));
+        QThread::msleep(300); // a restart ends the event loop before
         QMetaObject::invokeMethod(
             &application, [] { QCoreApplication::exit(3); }, Qt::QueuedConnection);
     });
