@@ -37,8 +37,8 @@ Item {
         Accessible.role: Accessible.Button
         Accessible.name: qsTr("Account: %1").arg(root.fullName)
 
-        Keys.onReturnPressed: click()
-        Keys.onEnterPressed: click()
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
         Keys.onEscapePressed: accountPanel.hidden = true
 
         onClicked: accountPanel.hidden = !accountPanel.hidden
@@ -200,8 +200,8 @@ Item {
             Accessible.role: Accessible.Button
             Accessible.name: text
 
-            Keys.onReturnPressed: click()
-            Keys.onEnterPressed: click()
+            Keys.onReturnPressed: clicked()
+            Keys.onEnterPressed: clicked()
 
             onClicked: {
                 AppModel.userInfo.token = ""

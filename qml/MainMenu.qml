@@ -79,8 +79,8 @@ FocusScope {
             Accessible.name: text
             Accessible.selected: ListView.isCurrentItem
 
-            Keys.onReturnPressed: click()
-            Keys.onEnterPressed: click()
+            Keys.onReturnPressed: clicked()
+            Keys.onEnterPressed: clicked()
             Keys.onUpPressed: root.stepFocus(index, -1)
             Keys.onDownPressed: root.stepFocus(index, 1)
 

@@ -11,8 +11,8 @@ Button {
 
     Accessible.name: up ? qsTr("Expand") : qsTr("Collapse")
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     onClicked: up = !up
 

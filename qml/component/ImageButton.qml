@@ -9,8 +9,8 @@ Button {
     text: "NoLabel"
     icon.source: source
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         implicitWidth: 100

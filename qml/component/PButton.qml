@@ -6,8 +6,8 @@ Button {
 
     text: "NoLabel"
 
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     background: Rectangle {
         implicitWidth: 100

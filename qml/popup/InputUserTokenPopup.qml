@@ -7,8 +7,10 @@ FocusScope {
 
     // The old token is selected, so that what is typed or pasted replaces it.
     onVisibleChanged: {
-        if (visible)
+        if (visible) {
             tokenField.selectAll()
+            tokenField.focus = true
+        }
     }
 
     Rectangle {
@@ -34,7 +36,7 @@ FocusScope {
         KeyNavigation.tab: continueButton
         KeyNavigation.backtab: continueButton
 
-        onAccepted: continueButton.click()
+        onAccepted: continueButton.clicked()
     }
 
     PButton {

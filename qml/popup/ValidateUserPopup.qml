@@ -47,6 +47,10 @@ FocusScope {
         visible: root.visible && offered
         focus: visible
         text: qsTr("Use another token")
+
+        KeyNavigation.tab: otherTokenButton
+        KeyNavigation.backtab: otherTokenButton
+
         onClicked: AppModel.userInfo.token = ""
     }
 

@@ -1,0 +1,157 @@
+#include "tests/qml/TestService.h"
+
+#include "models/AppModel.h"
+
+#include <QClipboard>
+#include <QCoreApplication>
+#include <QGuiApplication>
+#include <QJsonDocument>
+#include <QQmlEngine>
+#include <QQmlError>
+#include <QSettings>
+#include <QThreadPool>
+
+namespace {
+
+devservice::Options sampleSizes()
+{
+    devservice::Options options;
+    options.devices = 12;
+    options.clones = 60;
+    return options;
+}
+
+devservice::Fault faultOf(const QString& name)
+{
+    using devservice::Fault;
+    static const QHash<QString, Fault> faults = {
+        {QStringLiteral("None"), Fault::None},
+        {QStringLiteral("Hang"), Fault::Hang},
+        {QStringLiteral("Cut"), Fault::Cut},
+        {QStringLiteral("NotJson"), Fault::NotJson},
+        {QStringLiteral("WrongShape"), Fault::WrongShape},
+        {QStringLiteral("NoBody"), Fault::NoBody},
+        {QStringLiteral("HttpError"), Fault::HttpError},
+        {QStringLiteral("Refuse"), Fault::Refuse},
+        {QStringLiteral("DropAfterwards"), Fault::DropAfterwards},
+    };
+    if (!faults.contains(name))
+        qFatal("No such fault: %s", qPrintable(name));
+    return faults.value(name);
+}
+
+} // namespace
+
+TestService::TestService(QObject* parent) : QObject(parent), m_fixture(sampleSizes())
+{
+    m_sampleFarm = m_fixture->farm();
+}
+
+template <class Change>
+void TestService::changeFarm(Change change)
+{
+    devservice::Farm farm = m_fixture->farm();
+    change(&farm);
+    m_fixture->setFarm(farm);
+}
+
+void TestService::setDevices(const QVariantList& devices)
+{
+    changeFarm([&](devservice::Farm* farm) { farm->devices = QJsonArray::fromVariantList(devices); });
+}
+
+void TestService::setClones(const QVariantList& clones)
+{
+    changeFarm([&](devservice::Farm* farm) { farm->clones = QJsonArray::fromVariantList(clones); });
+}
+
+void TestService::setGlobalConfig(const QVariantMap& config)
+{
+    changeFarm([&](devservice::Farm* farm) { farm->globalConfig = QJsonObject::fromVariantMap(config); });
+}
+
+void TestService::setReports(const QVariantMap& reports)
+{
+    changeFarm([&](devservice::Farm* farm) { farm->reports = QJsonObject::fromVariantMap(reports); });
+}
+
+QVariantMap TestService::user(const QString& token)
+{
+    return m_fixture->farm().users.value(token).toVariantMap();
+}
+
+void TestService::setUser(const QString& token, const QVariantMap& user)
+{
+    changeFarm([&](devservice::Farm* farm) { farm->users.insert(token, QJsonObject::fromVariantMap(user)); });
+}
+
+QVariantMap TestService::definitions()
+{
+    const devservice::Farm farm = m_fixture->farm();
+    return {{QStringLiteral("version"), farm.definitionsVersion},
+            {QStringLiteral("fileName"), farm.definitionsFileName},
+            {QStringLiteral("size"), farm.definitionsSize}};
+}
+
+void TestService::setFault(const QString& path, const QString& name)
+{
+    m_fixture->setFault(path, faultOf(name));
+    m_faultyPaths.append(path);
+}
+
+QVariantList TestService::requestBodies(const QString& path)
+{
+    QVariantList bodies;
+    const QVector<devservice::Request> requests = m_fixture->requests(path);
+    for (const devservice::Request& request : requests)
+        bodies.append(QJsonDocument::fromJson(request.body).object().toVariantMap());
+    return bodies;
+}
+
+void TestService::reset()
+{
+    for (const QString& path : qAsConst(m_faultyPaths))
+        m_fixture->setFault(path, devservice::Fault::None);
+    m_faultyPaths.clear();
+    m_fixture->setLatency(0);
+
+    AppModel* const model = AppModel::instance();
+    model->userInfo()->setToken(QString());
+    // What the test before has left under way must not arrive in the next one.
+    settle();
+    model->userInfo()->setToken(QString());
+    model->clearFarm();
+    model->setGlobalConfig(nullptr);
+
+    QSettings(QStringLiteral("Velstrand"), QStringLiteral("Velstrand Manager")).clear();
+    QGuiApplication::clipboard()->clear();
+    m_fixture->setFarm(m_sampleFarm);
+    m_fixture->clearRequests();
+    m_warnings.clear();
+}
+
+void TestService::settle()
+{
+    QThreadPool::globalInstance()->waitForDone(5000);
+    QCoreApplication::sendPostedEvents();
+}
+
+QString TestService::clipboardText() const
+{
+    return QGuiApplication::clipboard()->text();
+}
+
+QString TestService::storedToken() const
+{
+    return QSettings(QStringLiteral("Velstrand"), QStringLiteral("Velstrand Manager"))
+        .value(QStringLiteral("user_token"))
+        .toString();
+}
+
+void TestService::watch(QQmlEngine* engine)
+{
+    connect(engine, &QQmlEngine::warnings, this, [this](const QList<QQmlError>& warnings) {
+        for (const QQmlError& warning : warnings)
+            m_warnings.append(warning.toString());
+    });
+}

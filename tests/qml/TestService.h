@@ -1,0 +1,73 @@
+#pragma once
+
+#include "tests/support/ServiceFixture.h"
+
+#include <QObject>
+#include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
+
+class QQmlEngine;
+
+/// The development service as the scene's tests see it, under the name Service: its farm as plain JavaScript
+/// values, what it was asked, what it does wrong; and what a test cannot see from within QML.
+class TestService : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString adminToken READ adminToken CONSTANT)
+    Q_PROPERTY(QString userToken READ userToken CONSTANT)
+    Q_PROPERTY(QVariantList devices READ devices WRITE setDevices)
+    Q_PROPERTY(QVariantList clones READ clones WRITE setClones)
+    Q_PROPERTY(QVariantMap globalConfig READ globalConfig WRITE setGlobalConfig)
+    Q_PROPERTY(QVariantMap reports READ reports WRITE setReports)
+
+public:
+    explicit TestService(QObject* parent = nullptr);
+
+    QString adminToken() { return m_fixture->adminToken(); }
+    QString userToken() { return m_fixture->userToken(); }
+
+    /// Members in the wire form, all of them read from and written to the service at once.
+    QVariantList devices() { return m_fixture->farm().devices.toVariantList(); }
+    void setDevices(const QVariantList& devices);
+    QVariantList clones() { return m_fixture->farm().clones.toVariantList(); }
+    void setClones(const QVariantList& clones);
+    QVariantMap globalConfig() { return m_fixture->farm().globalConfig.toVariantMap(); }
+    void setGlobalConfig(const QVariantMap& config);
+    QVariantMap reports() { return m_fixture->farm().reports.toVariantMap(); }
+    void setReports(const QVariantMap& reports);
+    /// The answer to get-info for @p token; empty for a token that nobody holds.
+    Q_INVOKABLE QVariantMap user(const QString& token);
+    Q_INVOKABLE void setUser(const QString& token, const QVariantMap& user);
+    /// What the last definitions push brought: version, fileName, size.
+    Q_INVOKABLE QVariantMap definitions();
+
+    /// @p name is "None", "Hang", "Cut", "NotJson", "WrongShape", "NoBody", "HttpError", "Refuse" or
+    /// "DropAfterwards".
+    Q_INVOKABLE void setFault(const QString& path, const QString& name);
+    Q_INVOKABLE void setLatency(int ms) { m_fixture->setLatency(ms); }
+    Q_INVOKABLE void clearRequests() { m_fixture->clearRequests(); }
+    /// The bodies that came for @p path since clearRequests(), as objects, oldest first.
+    Q_INVOKABLE QVariantList requestBodies(const QString& path);
+
+    /// Back to the first minute: the sample farm without faults, nobody signed in, an empty model, no
+    /// stored token, no clipboard, no warnings.
+    Q_INVOKABLE void reset();
+    /// Waits for the jobs that are under way and for what they have delivered.
+    Q_INVOKABLE void settle();
+    /// Warnings of the QML engine since reset().
+    Q_INVOKABLE QStringList warnings() const { return m_warnings; }
+    Q_INVOKABLE QString clipboardText() const;
+    Q_INVOKABLE QString storedToken() const;
+
+    void watch(QQmlEngine* engine);
+
+private:
+    template <class Change>
+    void changeFarm(Change change);
+
+    ServiceFixture m_fixture;
+    devservice::Farm m_sampleFarm;
+    QStringList m_faultyPaths;
+    QStringList m_warnings;
+};

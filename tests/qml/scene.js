@@ -1,0 +1,24 @@
+.pragma library
+
+/// The first item under @p root, in painting order, for which @p accepts is true; null without one.
+function search(root, accepts) {
+    const children = root.children
+    for (let i = 0; i < children.length; ++i) {
+        if (accepts(children[i]))
+            return children[i]
+        const deeper = search(children[i], accepts)
+        if (deeper)
+            return deeper
+    }
+    return null
+}
+
+/// The item of that object name, wherever it is in the scene of @p window; delegates and popups too.
+function find(window, name) {
+    return search(window.contentItem || window, item => item.objectName === name)
+}
+
+/// The first item that shows exactly this text.
+function findText(window, text) {
+    return search(window.contentItem || window, item => item.text === text && item.visible)
+}
