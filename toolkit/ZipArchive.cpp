@@ -173,9 +173,8 @@ int ZipArchive::Unzip(const fs::path& directory)
         fs::create_directories(directory);
         while (reader->Next()) {
             // Judged again: the file may have been exchanged since.
-            const std::wstring name = reader->Name();
-            rules.Admit(name, reader->Kind(), reader->Size());
-            const fs::path relative(name);
+            rules.Admit(reader->Name(), reader->Kind(), reader->Size());
+            const fs::path relative = reader->Path();
             if (reader->Kind() == ZipKind::Directory) {
                 MakeFolders(directory, relative);
                 continue;

@@ -100,6 +100,17 @@ std::wstring ZipReader::Name() const
     return name;
 }
 
+std::filesystem::path ZipReader::Path() const
+{
+#ifdef _WIN32
+    return Name();
+#else
+    // The standard library would turn wide text into the process's character set.
+    const char* const name = archive_entry_pathname(m_entry);
+    return name ? name : "";
+#endif
+}
+
 ZipKind ZipReader::Kind() const
 {
     if (archive_entry_hardlink_w(m_entry) || archive_entry_symlink_w(m_entry))

@@ -31,6 +31,7 @@ public:
 
     // The current entry, as its header declares it.
     std::wstring Name() const;
+    std::filesystem::path Path() const;
     ZipKind Kind() const;
     std::uint64_t Size() const;
     /// The execute bits of the entry's permissions; nothing else of them is wanted.
