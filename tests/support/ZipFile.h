@@ -16,11 +16,17 @@ struct ZipMember {
     int mode = 0755;
 };
 
-/// Writes a zip with the given members, in order, names as they stand.
-inline bool writeZip(const QString& path, const QVector<ZipMember>& members)
+/// Writes a zip with the given members, in order, names as they stand. With a password they are encrypted in
+/// the way that @p encryption names: "zipcrypt", "aes128" or "aes256".
+inline bool writeZip(const QString& path, const QVector<ZipMember>& members,
+                     const QByteArray& encryption = QByteArray(), const char* password = nullptr)
 {
     archive* const zip = archive_write_new();
     archive_write_set_format_zip(zip);
+    if (password) {
+        archive_write_set_options(zip, ("zip:encryption=" + encryption).constData());
+        archive_write_set_passphrase(zip, password);
+    }
     bool good = archive_write_open_filename(zip, path.toLocal8Bit().constData()) == ARCHIVE_OK;
     for (const ZipMember& member : members) {
         archive_entry* const entry = archive_entry_new();
