@@ -2,7 +2,7 @@
 
 /// The first item under @p root, in painting order, for which @p accepts is true; null without one.
 function search(root, accepts) {
-    const children = root.children
+    const children = root.children || root.contentItem.children
     for (let i = 0; i < children.length; ++i) {
         if (accepts(children[i]))
             return children[i]
@@ -13,12 +13,12 @@ function search(root, accepts) {
     return null
 }
 
-/// The item of that object name, wherever it is in the scene of @p window; delegates and popups too.
-function find(window, name) {
-    return search(window.contentItem || window, item => item.objectName === name)
+/// The item of that object name, wherever it is in the scene of @p root, an item or a window; delegates and popups too.
+function find(root, name) {
+    return search(root, item => item.objectName === name)
 }
 
 /// The first item that shows exactly this text.
-function findText(window, text) {
-    return search(window.contentItem || window, item => item.text === text && item.visible)
+function findText(root, text) {
+    return search(root, item => item.text === text && item.visible)
 }

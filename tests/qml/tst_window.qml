@@ -164,7 +164,7 @@ TestCase {
         compare(String(content.source), row.source)
         compare(content.item === null, row.source === "")
         if (content.item) {
-            compare([content.item.width, content.item.height], [content.width, content.height])
+            compare(content.item.height, content.height)
             verify(content.item.parent.parent === window.contentItem)
         }
     }
