@@ -83,7 +83,13 @@ function income(jobs) {
 
 /// The digits of a whole number in groups of three: 1.000.000.
 function grouped(number) {
-    return number > 0 ? Math.floor(number).toFixed(0).replace(/\B(?=(\d{3})+$)/g, ".") : "0"
+    if (!(number > 0))
+        return "0"
+    const digits = Math.floor(number).toFixed(0)
+    const groups = []
+    for (let end = digits.length; end > 0; end -= 3)
+        groups.unshift(digits.substring(Math.max(0, end - 3), end))
+    return groups.join(".")
 }
 
 /// The same without zeros in front of a group, the form of the income panel: 1.0.0.

@@ -38,7 +38,7 @@ FocusScope {
         onClicked: line.forceActiveFocus(Qt.MouseFocusReason)
     }
 
-    // The name may reach into the room before the check box.
+    // A long name reaches into the room before the check box instead of scrolling.
     TextInput {
         id: nameField
 
@@ -48,6 +48,7 @@ FocusScope {
         height: parent.height
         verticalAlignment: TextInput.AlignVCenter
         activeFocusOnTab: true
+        autoScroll: false
         selectByMouse: true
         text: modelData.actionName
 

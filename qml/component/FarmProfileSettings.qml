@@ -58,8 +58,8 @@ Item {
         onClicked: {
             AppModel.userInfo.createTempProfile()
             list.currentIndex = list.count - 1
-            list.currentItem.expand()
-            list.positionViewAtEnd()
+            list.currentItem.head.forceActiveFocus(Qt.TabFocusReason)
+            list.positionViewAtIndex(list.currentIndex, ListView.Beginning)
         }
     }
 

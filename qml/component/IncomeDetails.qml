@@ -52,8 +52,8 @@ Rectangle {
 
         Accessible.name: qsTr("Close")
 
-        Keys.onReturnPressed: click()
-        Keys.onEnterPressed: click()
+        Keys.onReturnPressed: clicked()
+        Keys.onEnterPressed: clicked()
 
         onClicked: incomeDetails.hide()
 

@@ -145,10 +145,19 @@ Item {
             PListView {
                 id: list
 
+                property bool wide: false
+                property bool checkable: false
+
+                function widen() {
+                    wide = true
+                }
+
+                objectName: "cloneView"
                 // The area reaches below the page; the last row stands clear of that and of the tool box.
                 anchors.fill: parent
                 anchors.bottomMargin: area.y + area.height - page.height + (toolBox.hidden ? 0 : toolBox.height)
-                objectName: "cloneView"
+                // Keeps the rows around the view built: bit by bit, but not those that a first layout asks for.
+                cacheBuffer: wide ? 100 * height : 0
                 clip: true
                 currentIndex: -1
                 model: AppModel.filteredCloneList
@@ -158,9 +167,11 @@ Item {
 
                 onPullToRefreshReleased: AppManager.getCloneList()
 
+                Component.onCompleted: Qt.callLater(list.widen)
+
                 delegate: CloneRow {
                     columnWidth: page.width / page.columns.length
-                    checkable: !toolBox.hidden
+                    checkable: list.checkable
                     onHeld: toolBox.hidden = false
                 }
 
@@ -185,6 +196,12 @@ Item {
                 width: parent.width
                 height: 50
 
+                // The rows in view change at once, the many around it are built anew in the background.
+                onHiddenChanged: {
+                    list.wide = false
+                    list.checkable = !hidden
+                    Qt.callLater(list.widen)
+                }
                 onSelectAllChanged: AppManager.selectAllClone(selected)
                 onProfileSelected: AppManager.updateFarmProfile(profile)
                 onAddClones: popup.visible = true

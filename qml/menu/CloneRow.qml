@@ -26,6 +26,8 @@ FocusScope {
         textFormat: Text.PlainText
         elide: Text.ElideRight
         maximumLineCount: 1
+        fontSizeMode: Text.HorizontalFit
+        minimumPointSize: 7
     }
 
     function copy(cell, text) {
@@ -62,7 +64,7 @@ FocusScope {
         objectName: "number"
         width: 30
         text: modelData.place + 1
-        fontSizeMode: Text.HorizontalFit
+        minimumPointSize: 6
         leftPadding: 2
         rightPadding: 0
     }
@@ -165,24 +167,27 @@ FocusScope {
         objectName: "copiedBadge"
         active: false
 
-        sourceComponent: Rectangle {
+        sourceComponent: Item {
             function restart() {
                 lifetime.restart()
             }
 
             x: badge.cell.x + badge.cell.width / 4
-            y: 33
+            y: 35
             width: badge.cell.width / 2
             height: 20
-            radius: 5
-            color: "grey"
-            opacity: 0.5
+
+            Rectangle {
+                anchors.fill: parent
+                radius: 5
+                color: "grey"
+                opacity: 0.5
+            }
 
             Text {
                 anchors.centerIn: parent
                 text: qsTr("Copied")
                 textFormat: Text.PlainText
-                color: "white"
             }
 
             Timer {

@@ -31,6 +31,14 @@ FocusScope {
         maximumLineCount: 1
     }
 
+    component FieldFrame: Rectangle {
+        property bool focused
+
+        radius: 16
+        border.color: focused ? "#21be2b" : "#bdbdbd"
+        border.width: focused ? 2 : 1
+    }
+
     function activate() {
         view.currentIndex = index
         open = true
@@ -121,8 +129,10 @@ FocusScope {
 
         Cell {
             width: 30
+            padding: 0
             text: index + 1
             fontSizeMode: Text.HorizontalFit
+            minimumPointSize: 6
         }
 
         Cell {
@@ -130,7 +140,7 @@ FocusScope {
             width: row.cellWidth - 30
             text: Format.line(modelData.androidId)
             fontSizeMode: Text.HorizontalFit
-            minimumPixelSize: 9
+            minimumPointSize: 7
         }
 
         Cell {
@@ -168,6 +178,10 @@ FocusScope {
                     if (activeFocus)
                         row.activate()
                 }
+
+                background: FieldFrame {
+                    focused: connectivityBox.activeFocus
+                }
             }
         }
 
@@ -195,11 +209,8 @@ FocusScope {
                         row.activate()
                 }
 
-                background: Rectangle {
-                    radius: 16
-                    color: "white"
-                    border.color: labelField.activeFocus ? "#21be2b" : "#bdbdbd"
-                    border.width: labelField.activeFocus ? 2 : 1
+                background: FieldFrame {
+                    focused: labelField.activeFocus
                 }
             }
         }

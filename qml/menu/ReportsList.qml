@@ -4,7 +4,12 @@ import "../component"
 PListView {
     id: page
 
+    function slimWidth() {
+        return parent ? parent.width - 20 : 0
+    }
+
     objectName: "reportsPage"
+    width: slimWidth()
     anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
     clip: true
     spacing: 10
@@ -12,13 +17,17 @@ PListView {
     interactive: !incomeDetails.visible
     model: AppModel.reportList
 
+    header: Item {
+        height: 10
+    }
+
     Accessible.role: Accessible.List
     Accessible.name: qsTr("Make money")
 
-    // The Loader stretches the page to its own width whenever that changes.
+    // The Loader stretches the page with every change of its own size, unknown to the binding.
     onWidthChanged: {
         if (parent)
-            width = Qt.binding(() => page.parent ? page.parent.width - 20 : 0)
+            width = Qt.binding(slimWidth)
     }
     onPullToRefreshReleased: AppManager.getReports()
 
