@@ -1,0 +1,165 @@
+#include "api/APIBase.h"
+#include "benchmarks/DelayProxy.h"
+#include "devservice/DevService.h"
+#include "toolkit/HttpClient.h"
+
+#include <QCoreApplication>
+#include <QJsonDocument>
+
+#include <benchmark/benchmark.h>
+#include <curl/curl.h>
+
+// What a request of the program costs, beside a plain loop over one kept handle of libcurl that sends the
+// same bodies to the same service and parses nothing.
+
+namespace {
+
+constexpr int kReads = 500;
+constexpr int kRoundTripMs = 20;
+const QString kPaths[] = {QStringLiteral("/api/v1/user/get-info"), QStringLiteral("/api/v1/device/list")};
+
+devservice::DevService& service()
+{
+    static devservice::DevService instance([] {
+        devservice::Options options;
+        options.devices = 20;
+        options.clones = 0;
+        return options;
+    }());
+    static const bool started = instance.start();
+    if (!started)
+        qFatal("%s", qPrintable(instance.errorText()));
+    return instance;
+}
+
+QJsonObject body()
+{
+    return {{"token", service().userToken()}};
+}
+
+QString originAt(int port)
+{
+    return QStringLiteral("https://localhost:%1").arg(port);
+}
+
+/// The floor: one easy handle, kept, with the least that a JSON request needs.
+class PlainLoop
+{
+public:
+    PlainLoop() : m_curl(curl_easy_init())
+    {
+        m_headers = curl_slist_append(nullptr, "Content-Type: application/json");
+        curl_easy_setopt(m_curl, CURLOPT_HTTPHEADER, m_headers);
+        curl_easy_setopt(m_curl, CURLOPT_CAINFO, service().caFile().toLocal8Bit().constData());
+        curl_easy_setopt(m_curl, CURLOPT_CAPATH, nullptr);
+        curl_easy_setopt(m_curl, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+        curl_easy_setopt(m_curl, CURLOPT_ACCEPT_ENCODING, "");
+        curl_easy_setopt(m_curl, CURLOPT_WRITEFUNCTION, &PlainLoop::append);
+        curl_easy_setopt(m_curl, CURLOPT_WRITEDATA, &m_answer);
+    }
+    ~PlainLoop()
+    {
+        curl_easy_cleanup(m_curl);
+        curl_slist_free_all(m_headers);
+    }
+    PlainLoop(const PlainLoop&) = delete;
+    PlainLoop& operator=(const PlainLoop&) = delete;
+
+    bool post(const QString& url, const QByteArray& json)
+    {
+        m_answer.clear();
+        curl_easy_setopt(m_curl, CURLOPT_URL, url.toUtf8().constData());
+        curl_easy_setopt(m_curl, CURLOPT_POSTFIELDSIZE, static_cast<long>(json.size()));
+        curl_easy_setopt(m_curl, CURLOPT_POSTFIELDS, json.constData());
+        return curl_easy_perform(m_curl) == CURLE_OK && !m_answer.empty();
+    }
+
+private:
+    static std::size_t append(char* data, std::size_t size, std::size_t count, void* answer)
+    {
+        static_cast<std::string*>(answer)->append(data, size * count);
+        return size * count;
+    }
+
+    CURL* m_curl;
+    curl_slist* m_headers;
+    std::string m_answer;
+};
+
+void readsFloor(benchmark::State& state)
+{
+    PlainLoop loop;
+    const QByteArray json = QJsonDocument(body()).toJson(QJsonDocument::Compact);
+    for (auto _ : state) {
+        for (int i = 0; i < kReads; ++i) {
+            if (!loop.post(service().origin() + kPaths[i % 2], json))
+                return state.SkipWithError("not answered");
+        }
+    }
+}
+
+void reads(benchmark::State& state)
+{
+    APIBase api;
+    api.setBaseUrl(service().origin());
+    api.setTrustAnchors(service().caFile());
+    const QJsonObject params = body();
+    for (auto _ : state) {
+        for (int i = 0; i < kReads; ++i) {
+            if (!api.sendPostRequest(kPaths[i % 2], params, toolkit::Exchange::Read).success)
+                return state.SkipWithError("not answered");
+        }
+    }
+}
+
+void distantReadFloor(benchmark::State& state)
+{
+    DelayProxy line(service().port(), kRoundTripMs);
+    PlainLoop loop;
+    const QByteArray json = QJsonDocument(body()).toJson(QJsonDocument::Compact);
+    bool answered = loop.post(originAt(line.port()) + kPaths[0], json);
+    for (auto _ : state)
+        answered = answered && loop.post(originAt(line.port()) + kPaths[0], json);
+    if (!answered)
+        state.SkipWithError("not answered");
+}
+
+void distant(benchmark::State& state, toolkit::Exchange exchange)
+{
+    DelayProxy line(service().port(), kRoundTripMs);
+    APIBase api;
+    api.setBaseUrl(originAt(line.port()));
+    api.setTrustAnchors(service().caFile());
+    const QJsonObject params = body();
+    bool answered = api.sendPostRequest(kPaths[0], params, exchange).success;
+    for (auto _ : state)
+        answered = answered && api.sendPostRequest(kPaths[0], params, exchange).success;
+    if (!answered)
+        state.SkipWithError("not answered");
+}
+
+} // namespace
+
+BENCHMARK(readsFloor)->Name("500 reads/plain loop")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(reads)->Name("500 reads/client")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(distantReadFloor)
+    ->Name("20 ms away/read, plain loop (one round trip)")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(distant, read, toolkit::Exchange::Read)
+    ->Name("20 ms away/read, client")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(distant, write, toolkit::Exchange::Write)
+    ->Name("20 ms away/write, client (a connection of its own)")
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
