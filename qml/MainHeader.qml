@@ -30,7 +30,8 @@ Item {
         objectName: "userBlock"
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
-        width: userName.contentWidth + 10
+        // Without a name, or with a very short one, the icon still has its room.
+        width: Math.max(userName.contentWidth, userIcon.width) + 10
         height: userIcon.height + userName.height + 10
         padding: 0
 

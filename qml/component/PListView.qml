@@ -82,6 +82,7 @@ ListView {
         parent: root
         anchors.margins: 0
         border.width: 1
+        border.color: "#4da6ff"
         z: 1
         visible: root.Window.activeFocusItem === root
                  || (root.currentItem !== null && root.Window.activeFocusItem === root.currentItem)

@@ -30,7 +30,10 @@ FocusScope {
                 anchors.verticalCenter: parent.verticalCenter
                 width: 100
                 height: 30
+                rightPadding: 5
                 verticalAlignment: Text.AlignVCenter
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 8
                 text: qsTr("Select network: ")
                 textFormat: Text.PlainText
             }
@@ -56,7 +59,10 @@ FocusScope {
                 anchors.verticalCenter: parent.verticalCenter
                 width: 100
                 height: 30
+                rightPadding: 5
                 verticalAlignment: Text.AlignVCenter
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 8
                 text: qsTr("Select profile: ")
                 textFormat: Text.PlainText
             }

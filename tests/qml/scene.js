@@ -13,7 +13,7 @@ function search(root, accepts) {
     return null
 }
 
-/// The item of that object name, wherever it is in the scene of @p root, an item or a window; delegates and popups too.
+/// The item of that object name anywhere under @p root, an item or a window; delegates and popups too.
 function find(root, name) {
     return search(root, item => item.objectName === name)
 }

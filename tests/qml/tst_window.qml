@@ -241,7 +241,7 @@ TestCase {
     function test_hostileNames_data() {
         return [
             { tag: "empty", text: "", shown: "" },
-            { tag: "markup", text: "<img src='https://localhost/x'><b>x</b>", shown: "<img src='https://localhost/x'><b>x</b>" },
+            { tag: "markup", text: "<img src='a'><b>x</b>", shown: "<img src='a'><b>x</b>" },
             { tag: "lines", text: "a\r\nb\u2028c\u0000d", shown: "a b c d" },
             { tag: "megabyte", text: "w".repeat(1 << 20), shown: "w".repeat(200) }
         ]
