@@ -258,24 +258,25 @@ void Transfer::SetUpTrust()
     Set(CURLOPT_SSL_VERIFYHOST, 2L);
     Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
 
-    std::string pem;
-    if (!m_options.trustAnchors.empty()) {
-        std::ifstream file(m_options.trustAnchors, std::ios::binary);
-        pem.assign(std::istreambuf_iterator<char>(file), {});
-        if (!file || pem.empty())
-            m_fault = "Cannot read the trust anchors in " + m_options.trustAnchors.u8string();
+    const auto& anchors = m_options.trustAnchors;
+    std::ifstream file;
+    if (!anchors.empty()) {
+        // Also where libcurl still has a store of that name in its memory.
+        file.open(anchors, std::ios::binary);
+        if (!file)
+            m_fault = "Cannot read the trust anchors in " + anchors.u8string();
     }
 #ifdef _WIN32
     // A revocation list that cannot be reached does not count as a refusal.
     Set(CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_REVOKE_BEST_EFFORT));
-    if (!pem.empty()) {
+    if (file.is_open()) {
+        std::string pem(std::istreambuf_iterator<char>(file), {});
         curl_blob blob{pem.data(), pem.size(), CURL_BLOB_COPY};
         Set(CURLOPT_CAINFO_BLOB, &blob);
     }
 #else
     // libcurl keeps the parsed store between connections only when it is one file and no folder.
-    const std::string file = m_options.trustAnchors.string();
-    const char* const bundle = file.empty() ? curl_version_info(CURLVERSION_NOW)->cainfo : file.c_str();
+    const char* const bundle = anchors.empty() ? curl_version_info(CURLVERSION_NOW)->cainfo : anchors.c_str();
     if (bundle) {
         Set(CURLOPT_CAINFO, bundle);
         Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
