@@ -97,9 +97,17 @@ void Application::checkUser()
     start([](const Job& job) {
         const QString token = job.token();
         QJsonObject userInfo;
-        // An answer about a token that is no longer the user's says nothing about the one that is.
-        if (job.api->getUserInfo(token, &userInfo) && job.token() == token)
-            job.outlet->deliver([&](Application* app) { emit app->getUserInfo(QVariant(userInfo)); });
+        if (!job.api->getUserInfo(token, &userInfo))
+            return;
+        job.outlet->deliver([&](Application* app) {
+            // An answer about a token that is no longer the user's says nothing about the one that is; only
+            // the UI thread, which sets the token, can tell.
+            const auto announce = [app, token, userInfo] {
+                if (currentToken() == token)
+                    emit app->getUserInfo(QVariant(userInfo));
+            };
+            QMetaObject::invokeMethod(app, announce, Qt::QueuedConnection);
+        });
     });
 }
 
