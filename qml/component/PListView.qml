@@ -44,10 +44,10 @@ ListView {
             positionViewAtIndex(currentIndex, ListView.Contain)
     }
     onModelChanged: {
-        if (keptCount === 0 || count === 0)
-            return
         const y = keptY
         currentIndex = Math.min(keptIndex, count - 1)
+        if (keptCount === 0 || count === 0)
+            return
         forceLayout()
         contentY = originY + Math.max(0, Math.min(y, contentHeight - height))
     }

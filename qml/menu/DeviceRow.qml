@@ -138,9 +138,10 @@ FocusScope {
         Cell {
             objectName: "androidId"
             width: row.cellWidth - 30
+            padding: 0
             text: Format.line(modelData.androidId)
-            fontSizeMode: Text.HorizontalFit
-            minimumPointSize: 7
+            // Sixteen digits beside the number.
+            font.pixelSize: 11
         }
 
         Cell {
