@@ -38,6 +38,17 @@ QString currentToken()
     return AppModel::instance()->userInfo()->token();
 }
 
+/// Delivers what a job has found out for the account with @p token, unless the user has taken another since.
+/// Only the UI thread, which sets the token, can tell.
+template <typename Message>
+void deliverFor(const QString& token, const Job& job, Message message)
+{
+    job.outlet->deliver([token, message](Application* app) {
+        if (currentToken() == token)
+            message(app);
+    });
+}
+
 std::unique_ptr<QSettings> openSettings()
 {
     return std::make_unique<QSettings>(QStringLiteral("Velstrand"), QStringLiteral("Velstrand Manager"));
@@ -97,17 +108,9 @@ void Application::checkUser()
     start([](const Job& job) {
         const QString token = job.token();
         QJsonObject userInfo;
-        if (!job.api->getUserInfo(token, &userInfo))
-            return;
-        job.outlet->deliver([&](Application* app) {
-            // An answer about a token that is no longer the user's says nothing about the one that is; only
-            // the UI thread, which sets the token, can tell.
-            const auto announce = [app, token, userInfo] {
-                if (currentToken() == token)
-                    emit app->getUserInfo(QVariant(userInfo));
-            };
-            QMetaObject::invokeMethod(app, announce, Qt::QueuedConnection);
-        });
+        if (job.api->getUserInfo(token, &userInfo))
+            deliverFor(token, job,
+                       [userInfo](Application* app) { emit app->getUserInfo(QVariant(userInfo)); });
     });
 }
 
@@ -138,10 +141,10 @@ void Application::onGetUserInfo(const QVariant& userInfo)
 void Application::getDeviceList()
 {
     start([](const Job& job) {
+        const QString token = job.token();
         QJsonArray array;
-        const bool fetched = job.api->getDeviceList(job.token(), &array);
-        const QVariantList records = array.toVariantList();
-        job.outlet->deliver([&](Application* app) {
+        const bool fetched = job.api->getDeviceList(token, &array);
+        deliverFor(token, job, [fetched, records = array.toVariantList()](Application* app) {
             emit app->getDeviceListDone(records);
             if (!fetched)
                 emit app->pushNotification(Error, tr("Load device list failure!"));
@@ -199,10 +202,10 @@ void Application::saveDeviceConfig(QObject* device)
 void Application::getCloneList()
 {
     start([](const Job& job) {
+        const QString token = job.token();
         QJsonArray array;
-        const bool fetched = job.api->getCloneList(job.token(), QString(), &array);
-        const QVariantList records = array.toVariantList();
-        job.outlet->deliver([&](Application* app) {
+        const bool fetched = job.api->getCloneList(token, QString(), &array);
+        deliverFor(token, job, [fetched, records = array.toVariantList()](Application* app) {
             emit app->getCloneListDone(records);
             if (!fetched)
                 emit app->pushNotification(Error, tr("Load clone list failure!"));
@@ -284,7 +287,7 @@ void Application::getGlobalConfigAsync()
     start([](const Job& job) {
         QString config;
         if (job.api->getGlobalConfig(job.token(), &config))
-            job.outlet->deliver([&](Application* app) { emit app->getGlobalConfig(config); });
+            job.outlet->deliver([config](Application* app) { emit app->getGlobalConfig(config); });
     });
 }
 
@@ -328,16 +331,16 @@ void Application::uploadDefinition(int ver, QString filePath)
 
 void Application::getReports()
 {
-    start([](const Job& job) {
-        AppModel* const model = AppModel::instance();
+    start([dates = AppModel::instance()->reportDates()](const Job& job) {
         const QString token = job.token();
         QJsonObject reports;
-        const bool fetched = job.api->getReports(token, model->reportDates(), &reports);
-        if (fetched && job.token() == token)
-            model->applyReports(reports);
-        else if (!fetched)
-            job.outlet->deliver(
-                [](Application* app) { emit app->pushNotification(Error, tr("Load report list failure!")); });
+        const bool fetched = job.api->getReports(token, dates, &reports);
+        deliverFor(token, job, [fetched, reports](Application* app) {
+            if (fetched)
+                AppModel::instance()->applyReports(reports);
+            else
+                emit app->pushNotification(Error, tr("Load report list failure!"));
+        });
     });
 }
 

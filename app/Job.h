@@ -1,12 +1,12 @@
 #pragma once
 
+#include "app/Application.h"
 #include "models/UserInfo.h"
 
 #include <QMutex>
 
 #include <memory>
 
-class Application;
 class VelstrandAPI;
 
 /// The way from jobs to the controller, which they may outlive: nothing is delivered once it is closed.
@@ -15,21 +15,23 @@ class JobOutlet
 public:
     explicit JobOutlet(Application* controller) : m_controller(controller) {}
 
-    /// Called by the controller's destructor; waits for a delivery that is under way.
+    /// Called by the controller's destructor.
     void close()
     {
         const QMutexLocker lock(&m_mutex);
         m_controller = nullptr;
     }
 
-    /// Calls @p message with the controller unless it is gone. Any thread; @p message only emits signals,
-    /// which are queued to the UI thread.
+    /// Calls @p message with the controller on the UI thread, unless the controller is gone by then. Any
+    /// thread.
     template <typename Message>
     void deliver(Message message)
     {
         const QMutexLocker lock(&m_mutex);
-        if (m_controller)
-            message(m_controller);
+        if (!m_controller)
+            return;
+        const auto call = [controller = m_controller, message] { message(controller); };
+        QMetaObject::invokeMethod(m_controller, call, Qt::QueuedConnection);
     }
 
 private:

@@ -249,6 +249,18 @@ void TestApplication::anotherAccountSeesItsOwnFarm()
     QTRY_VERIFY(model().userInfo()->isValidated());
     QVERIFY(model().deviceList().isEmpty());
     QVERIFY(model().cloneList().isEmpty());
+    service().clearFaults();
+
+    // What was asked for one account never arrives in another's.
+    service().setLatency(200);
+    service().clearRequests();
+    m_app->getDeviceList();
+    m_app->getReports();
+    QTRY_COMPARE(service().requests(api("device/list")).size(), 1);
+    model().userInfo()->setToken("another");
+    settle();
+    QVERIFY(model().deviceList().isEmpty());
+    QVERIFY(model().cloneList().isEmpty());
 }
 
 void TestApplication::cachedUsersChangeNothing()
@@ -353,8 +365,9 @@ void TestApplication::changes()
     action(*m_app);
     settle();
     QCOMPARE(service().requests(path).size(), 1);
-    QCOMPARE(notifications().value(0), successText.isEmpty() ? notifications().value(0) : successText);
-    QVERIFY(notifications().filter("ailure").isEmpty());
+    QStringList told = notifications();
+    told.removeAll("0 Load user info successful!"); // saving a profile asks for the user again
+    QCOMPARE(told, successText.isEmpty() ? QStringList() : QStringList{successText});
     QCOMPARE(service().requests(refreshPath).size(), refreshPath == api("") ? 0 : 1);
 
     enter();
