@@ -29,6 +29,11 @@ ListView {
         }
     }
 
+    // The keyboard needs a row to start from.
+    onActiveFocusChanged: {
+        if (activeFocus && currentIndex < 0 && count > 0)
+            currentIndex = 0
+    }
     onDragEnded: {
         if (indicator.visible)
             pullToRefreshReleased()

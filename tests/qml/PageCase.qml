@@ -45,6 +45,10 @@ TestCase {
     function prepare() {
     }
 
+    /// What else a page does before it can be tested.
+    function settled() {
+    }
+
     function init() {
         Service.reset()
         prepare()
@@ -59,8 +63,11 @@ TestCase {
         AppManager.checkUser()
         tryCompare(find("validateUserPopup"), "visible", false)
         tryVerify(() => AppModel.globalConfig !== null)
+        Service.settle()
+        Service.clearRequests()
         open(menuRow)
         Service.settle()
+        settled()
     }
 
     function cleanup() {

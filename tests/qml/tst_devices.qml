@@ -117,7 +117,6 @@ PageCase {
         tryCompare(view, "count", 3)
         view.forceActiveFocus(Qt.TabFocusReason)
         keyClick(Qt.Key_Down)
-        keyClick(Qt.Key_Down)
         compare(view.currentIndex, 1)
         keyClick(Qt.Key_Return)
         verify(find("connectivity", row(1)).activeFocus)

@@ -1,0 +1,299 @@
+import QtQuick 2.15
+import QtTest 1.15
+
+PageCase {
+    id: suite
+
+    function clone(index, uid, device, status, profile, restriction) {
+        return { id: "id" + index, uid: uid, device_id: device, status: status, farm_profile: profile, network: "facebook",
+                 restriction: restriction, cookies: "", email: "", firstname: "", lastname: "", mail_password: "",
+                 novery: false, password: "p" + index, secretkey: "", secure_flags: 0, user_id: "u1" }
+    }
+
+    function prepare() {
+        const profiles = Object.keys(Service.user(Service.adminToken).farm_profiles)
+        Service.clones = [
+            clone(0, "100", "dev-a", 1, profiles[0], 1), clone(1, "101", "dev-b", 2, profiles[1], 6),
+            clone(2, "102", "dev-a", 4, profiles[1], 31), clone(3, "103", "dev-c", 8, "", 16),
+            clone(4, "104", "dev-b", 1, profiles[0], 0), clone(5, "105", "", 3, "", 1)
+        ]
+    }
+
+    function row(place) {
+        return find("cloneRow" + place)
+    }
+
+    /// Numbers of the rows that the page shows.
+    function numbers() {
+        const shown = []
+        for (let place = 0; place < 8; ++place) {
+            if (row(place) && row(place).visible && row(place).height === 50)
+                shown.push(Number(text("number", row(place))))
+        }
+        return shown
+    }
+
+    function verifyNumbers(expected) {
+        tryVerify(() => JSON.stringify(numbers()) === JSON.stringify(expected), 5000, "rows " + numbers())
+        compare(text("head0"), "Uid (total: " + expected.length + ")")
+    }
+
+    function selection() {
+        return [0, 1, 2, 3, 4, 5].filter(place => row(place) && find("rowBackground", row(place)).color.a > 0)
+    }
+
+    function setFilter(column, lines) {
+        find("filter" + column).text = lines
+    }
+
+    function controlClick(place) {
+        keyPress(Qt.Key_Control, Qt.ControlModifier)
+        mouseClick(row(place))
+        keyRelease(Qt.Key_Control)
+    }
+
+    function openToolBox() {
+        click("expandButton")
+        tryCompare(find("cloneToolBox"), "y", -50)
+    }
+
+    function storedIds() {
+        return Service.clones.map(entry => entry.id)
+    }
+
+    name: "Clones"
+    menuRow: 2
+
+    function settled() {
+        // The page asks for the list 100 ms after it is opened.
+        tryVerify(() => post("clone/list").length === 1)
+        Service.settle()
+        verifyNumbers([1, 2, 3, 4, 5, 6])
+    }
+
+    function test_showsTheFarm() {
+        const shown = [0, 1, 2, 3, 5].map(place => ["number", "uid", "network", "deviceId", "status", "restriction"]
+                                          .map(name => text(name, row(place))).join())
+        compare(shown, ["1,100,facebook,dev-a,live,none", "2,101,facebook,dev-b,getting,follow | like",
+                        "3,102,facebook,dev-a,checkpoint,follow | like | comment | like_page",
+                        "4,103,facebook,dev-c,stored,like_page", "6,105,facebook,,unknown,none"])
+        compare(text("farmProfile", row(1)), Service.clones[1].farm_profile)
+        compare([0, 1, 2, 3, 4, 5].map(column => find("filter" + column).enabled), [true, false, true, true, false, true])
+        compare([row(0).height, find("rowBackground", row(0)).height], [50, 48])
+        compare(selection(), [])
+    }
+
+    function test_filters_data() {
+        const profiles = Object.keys(Service.user(Service.adminToken).farm_profiles)
+        return [
+            { tag: "uid", filters: { 0: "101" }, expected: [2] },
+            { tag: "uids, blank lines, blanks", filters: { 0: "\n 104 \n\n100\r\n" }, expected: [1, 5] },
+            { tag: "part of a uid", filters: { 0: "10" }, expected: [] },
+            { tag: "device", filters: { 2: "dev-a" }, expected: [1, 3] },
+            { tag: "status words", filters: { 3: "live\nstored" }, expected: [1, 4, 5] },
+            { tag: "unknown word is code 0", filters: { 3: "unknown" }, expected: [] },
+            { tag: "profile", filters: { 5: profiles[1] }, expected: [2, 3] },
+            { tag: "all four", filters: { 0: "100\n104\n101", 2: "dev-b\ndev-a", 3: "live", 5: profiles[0] },
+              expected: [1, 5] },
+            { tag: "none passes all", filters: { 0: "100", 2: "dev-b" }, expected: [] },
+            { tag: "blank", filters: { 0: " \n " }, expected: [1, 2, 3, 4, 5, 6] }
+        ]
+    }
+
+    function test_filters(data) {
+        for (const column in data.filters)
+            setFilter(column, data.filters[column])
+        verifyNumbers(data.expected)
+        const note = find("emptyNote")
+        compare(note.visible, data.expected.length === 0)
+        if (note.visible)
+            compare(note.text, "No clones pass the filter")
+        for (const column in data.filters)
+            setFilter(column, "")
+        verifyNumbers([1, 2, 3, 4, 5, 6])
+    }
+
+    function test_filterOutlivesARefresh() {
+        setFilter(2, "dev-b")
+        verifyNumbers([2, 5])
+        Service.clones = [clone(7, "107", "dev-b", 1, "", 1)].concat(Service.clones)
+        find("cloneView").forceActiveFocus()
+        keyClick(Qt.Key_F5)
+        verifyNumbers([1, 3, 6])
+        setFilter(2, "")
+        tryCompare(AppModel, "totalFilteredClones", 7)
+    }
+
+    function test_pasteOfTenThousandLines() {
+        const uids = Array.from({ length: 10000 }, (unused, index) => "1000" + (1234567890 + index))
+        uids[9999] = "104"
+        AppIO.sendToClibboard(uids.join("\n"))
+        click("filter0")
+        const start = Date.now()
+        keyClick(Qt.Key_V, Qt.ControlModifier)
+        verifyNumbers([5])
+        const took = Date.now() - start
+        verify(took < 1000, took + " ms")
+        compare(find("filter0").text.length, uids.join("\n").length)
+    }
+
+    function test_selection() {
+        mouseClick(row(1))
+        compare(selection(), [1])
+        verify(!AppModel.cloneList[1].selected)
+        controlClick(3)
+        controlClick(4)
+        compare(selection(), [3, 4])
+        mouseClick(row(0))
+        compare(selection(), [0])
+        find("cloneView").forceActiveFocus()
+        keyClick(Qt.Key_Down)
+        keyClick(Qt.Key_Space)
+        keyClick(Qt.Key_Down)
+        compare(selection(), [1, 2])
+    }
+
+    function test_selectAllAndCopy() {
+        setFilter(3, "live")
+        verifyNumbers([1, 5])
+        find("cloneView").forceActiveFocus()
+        // No modifiers with the letters: for those the test would press another Control.
+        keyPress(Qt.Key_Control, Qt.ControlModifier)
+        keyClick(Qt.Key_A)
+        compare(selection(), [0, 4])
+        setFilter(3, "")
+        keyClick(Qt.Key_C)
+        keyRelease(Qt.Key_Control)
+        compare(Service.clipboardText(), "100\n104\n")
+        compare(selection(), [0, 4])
+
+        openToolBox()
+        click("selectAll")
+        compare(selection().length, 6)
+        setFilter(3, "live")
+        verifyNumbers([1, 5])
+        click("selectAll")
+        setFilter(3, "")
+        verifyNumbers([1, 2, 3, 4, 5, 6])
+        compare(selection(), [1, 2, 3, 5])
+    }
+
+    function test_copyACell_data() {
+        return [
+            { tag: "uid", cell: "uid", copied: "102" },
+            { tag: "device", cell: "deviceId", copied: "dev-a" },
+            { tag: "status", cell: "status", copied: "" }
+        ]
+    }
+
+    function test_copyACell(data) {
+        const cell = find(data.cell, row(2))
+        mouseDoubleClickSequence(row(2), cell.x + cell.width / 2, 20)
+        compare(Service.clipboardText(), data.copied)
+        const badge = find("copiedBadge", row(2))
+        compare(badge.active, data.copied !== "")
+        if (!badge.active)
+            return
+        compare([badge.item.width, badge.item.height], [cell.width / 2, 20])
+        const since = Date.now()
+        tryCompare(badge, "active", false)
+        verify(Date.now() - since > 700)
+    }
+
+    function test_toolBoxOpensOnHold() {
+        const toolBox = find("cloneToolBox")
+        verify(!find("check", row(0)))
+        mousePress(row(4))
+        tryCompare(toolBox, "hidden", false)
+        mouseRelease(row(4))
+        compare(find("cloneView").currentIndex, 4)
+        tryCompare(toolBox, "y", -50)
+        compare(toolBox.mapToItem(page, 0, 0).y, page.height - 50)
+        compare(find("check", row(0)).width, 50 / 3)
+
+        click("check", row(2))
+        verify(AppModel.cloneList[2].selected)
+        compare(find("cloneView").currentIndex, 2)
+        AppModel.cloneList[2].selected = false
+        verify(!find("check", row(2)).checked)
+
+        click("expandButton")
+        tryCompare(toolBox, "y", 0)
+        verify(!find("check", row(0)))
+    }
+
+    function test_actions_data() {
+        return [
+            { tag: "delete", button: "deleteButton" },
+            { tag: "reset", button: "resetButton" },
+            { tag: "profile", button: "profileBox" }
+        ]
+    }
+
+    function test_actions(data) {
+        controlClick(2)
+        controlClick(3)
+        openToolBox()
+        const listed = post("clone/list").length
+        const before = Service.clones
+        click(data.button)
+        if (data.button === "profileBox") {
+            keyClick(Qt.Key_Down)
+            keyClick(Qt.Key_Return)
+        }
+        tryVerify(() => post("clone/list").length === listed + 1)
+        Service.settle()
+        if (data.tag === "delete") {
+            compare(storedIds(), ["id0", "id1", "id4", "id5"])
+            verifyNumbers([1, 2, 3, 4])
+            return
+        }
+        const member = data.tag === "reset" ? "status" : "farm_profile"
+        const value = data.tag === "reset" ? 1 : find("profileBox").currentText
+        verify(value)
+        compare(Service.clones.map(entry => entry[member]),
+                before.map((entry, index) => index === 2 || index === 3 ? value : entry[member]))
+        compare(text(data.tag === "reset" ? "status" : "farmProfile", row(3)), data.tag === "reset" ? "live" : value)
+    }
+
+    function test_import() {
+        openToolBox()
+        click("addButton", find("cloneToolBox"))
+        const popup = find("inputClonesPopup")
+        verify(popup.visible)
+        find("clonesField", popup).text = "900|secret|2fa\nno bar\n901|other"
+        find("networkBox", popup).currentIndex = 2
+        click("addButton", popup)
+        verify(!popup.visible)
+        tryCompare(AppModel, "totalFilteredClones", 8)
+        compare(Service.clones.slice(6).map(entry => [entry.uid, entry.password, entry.secretkey, entry.network]),
+                [["900", "secret", "2fa", "tiktok"], ["901", "other", "", "tiktok"]])
+    }
+
+    function test_keyboardReachesEverything() {
+        openToolBox()
+        find("filter0").forceActiveFocus(Qt.TabFocusReason)
+        const reached = []
+        for (let i = 0; i < 14; ++i) {
+            reached.push(window.activeFocusItem.objectName)
+            keyClick(Qt.Key_Tab)
+        }
+        for (const name of ["filter0", "filter2", "filter3", "filter5", "cloneRow0", "expandButton", "addButton",
+                            "deleteButton", "resetButton", "profileBox", "selectAll"])
+            verify(reached.includes(name), name + " of " + reached)
+    }
+
+    function test_hostileText_data() {
+        return hostileTexts()
+    }
+
+    function test_hostileText(data) {
+        Service.clones = [clone(0, data.text, data.text, 1, data.text, 1)]
+        find("cloneView").pullToRefreshReleased()
+        verifyNumbers([1])
+        for (const name of ["uid", "deviceId", "farmProfile"])
+            verifyLine(find(name, row(0)), data.shown)
+        mouseDoubleClickSequence(find("uid", row(0)))
+        compare(Service.clipboardText().length, data.text.length)
+    }
+}
