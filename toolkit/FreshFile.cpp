@@ -22,16 +22,22 @@ bool IsLink(const fs::path& path)
 #endif
 }
 
-FreshFile::FreshFile(fs::path path) : m_path(std::move(path))
+bool RemoveAll(const fs::path& path)
 {
     std::error_code error;
-    if (IsLink(m_path))
-        fs::remove(m_path, error);
+    if (IsLink(path))
+        fs::remove(path, error);
     else
-        fs::remove_all(m_path, error);
-    if (!error)
+        fs::remove_all(path, error);
+    return !error;
+}
+
+FreshFile::FreshFile(fs::path path) : m_path(std::move(path))
+{
+    const bool free = RemoveAll(m_path);
+    if (free)
         m_stream.open(m_path, std::ios::binary | std::ios::trunc);
-    if (error || !m_stream)
+    if (!free || !m_stream)
         throw std::runtime_error("Cannot create the file " + m_path.u8string());
 }
 

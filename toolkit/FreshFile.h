@@ -9,6 +9,10 @@ namespace toolkit {
 /// Whether @p path itself is a link of any kind: a symbolic link, or on Windows a junction.
 bool IsLink(const std::filesystem::path& path);
 
+/// Removes whatever is at @p path, a folder with all that is in it; a link itself, never what it points to.
+/// True when nothing is left there.
+bool RemoveAll(const std::filesystem::path& path);
+
 /// A file that is written from its start and is there as a whole or not at all. Whatever lies in its place is
 /// removed first; a link is never followed.
 class FreshFile

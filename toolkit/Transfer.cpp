@@ -23,7 +23,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr std::size_t kMaxHeadBytes = 256 * 1024;
+constexpr std::size_t kMaxHeadBytes = 256u << 10;
 constexpr long kMaxRedirects = 5;
 
 constexpr const char* kTooLarge = "The answer is too large";
@@ -354,7 +354,7 @@ std::string Transfer::ErrorText(CURLcode code, int status) const
         return m_fault;
     if (m_options.form && !m_options.form->ErrorText().empty())
         return m_options.form->ErrorText();
-    const std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
+    std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
     switch (code) {
     case CURLE_OK:
         return m_head.ShowsEndOfBody(status) ? std::string() : "The answer was cut off";

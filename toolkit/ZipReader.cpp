@@ -13,7 +13,7 @@
 namespace toolkit {
 namespace {
 
-constexpr std::size_t kBlockBytes = 64 * 1024;
+constexpr std::size_t kBlockBytes = 64u << 10;
 
 } // namespace
 

@@ -97,9 +97,10 @@ void TestDownload::redirects_data()
     QTest::addColumn<std::string>("target");
     QTest::addColumn<int>("hops");
     QTest::addColumn<bool>("followed");
+    QTest::newRow("two") << std::string("/") << 2 << true;
     QTest::newRow("five") << std::string("/") << 5 << true;
     QTest::newRow("six") << std::string("/") << 6 << false;
-    QTest::newRow("to http") << std::string("http://localhost:1/") << 1 << false;
+    QTest::newRow("to http") << std::string() << 1 << false;
     QTest::newRow("to a file") << std::string("file:///etc/hostname?") << 1 << false;
 }
 
@@ -108,6 +109,9 @@ void TestDownload::redirects()
     QFETCH(std::string, target);
     QFETCH(int, hops);
     QFETCH(bool, followed);
+    RawServer unsafe(RawServer::Always(RawServer::Ok("here")));
+    if (target.empty())
+        target = unsafe.Origin() + "/";
     std::atomic<int> hop{0};
     RawServer server(
         [&](Connection& connection) {

@@ -58,7 +58,6 @@ private slots:
     void refused_data();
     void refused();
     void refusedFiles();
-    void sentOnce();
 };
 
 void TestUpload::onTheWire_data()
@@ -117,15 +116,15 @@ void TestUpload::largeAndSlow()
     QTemporaryDir folder;
     const auto path = WriteFile(folder, "large", {});
     std::filesystem::resize_file(path, size);
-    // For two seconds a trickle: far below any rate, yet never silent for as long as the time-out.
+    // For two seconds and a half a trickle: far below any rate, yet never silent for as long as the time-out.
     std::atomic<qint64> received{0};
     RawServer server([&](Connection& connection) {
         while (received < size) {
-            const auto bytes = connection.ReceiveSome(received < 400000 ? 10000 : 1 << 20).size();
+            const auto bytes = connection.ReceiveSome(received < 500000 ? 10000 : 1 << 20).size();
             if (bytes == 0)
                 return;
             received += static_cast<qint64>(bytes);
-            if (received < 400000)
+            if (received < 500000)
                 std::this_thread::sleep_for(std::chrono::milliseconds(50));
         }
         connection.Send(RawServer::Ok("{}"));
@@ -139,7 +138,11 @@ void TestUpload::largeAndSlow()
     QVERIFY2(client.SynchronousRequest("localhost", server.Port(), false, request),
              client.LastErrorText().c_str());
     QVERIFY(received > size);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     QVERIFY2(PeakMemory() - before < (16 << 20), qPrintable(QString::number(PeakMemory() - before)));
+#else
+    Q_UNUSED(before)
+#endif
 }
 
 void TestUpload::fileChanges_data()
@@ -235,14 +238,6 @@ void TestUpload::refusedFiles()
     HttpClient client;
     QVERIFY(!client.SynchronousRequest("localhost", server.Port(), false, request));
     QCOMPARE(server.Connections(), 0);
-}
-
-void TestUpload::sentOnce()
-{
-    RawServer server([](Connection& connection) { connection.Receive(); });
-    HttpClient client;
-    QVERIFY(!client.SynchronousRequest("localhost", server.Port(), false, Push()));
-    QCOMPARE(server.Requests().size(), std::size_t(1));
 }
 
 Q_DECLARE_METATYPE(std::function<void(HttpRequest&)>)
