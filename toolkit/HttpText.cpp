@@ -42,6 +42,11 @@ bool EqualNoCase(std::string_view left, std::string_view right)
                       [](char a, char b) { return Lower(a) == Lower(b); });
 }
 
+bool StartsWithNoCase(std::string_view text, std::string_view prefix)
+{
+    return EqualNoCase(text.substr(0, prefix.size()), prefix);
+}
+
 bool HasHeader(const std::vector<std::pair<std::string, std::string>>& headers, std::string_view name)
 {
     return std::any_of(headers.begin(), headers.end(),

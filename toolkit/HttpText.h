@@ -7,8 +7,9 @@
 
 namespace toolkit {
 
-/// Compares two ASCII texts without regard to case.
+/// Compare ASCII text without regard to case.
 bool EqualNoCase(std::string_view left, std::string_view right);
+bool StartsWithNoCase(std::string_view text, std::string_view prefix);
 
 bool HasHeader(const std::vector<std::pair<std::string, std::string>>& headers, std::string_view name);
 

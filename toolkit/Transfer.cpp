@@ -2,6 +2,7 @@
 
 #include "toolkit/HttpText.h"
 #include "toolkit/Multipart.h"
+#include "toolkit/ResponseHead.h"
 #include "toolkit/SessionPool.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@
 #include <new>
 
 #ifndef _WIN32
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -23,7 +25,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr std::size_t kMaxHeadBytes = 256u << 10;
 constexpr long kMaxRedirects = 5;
 
 constexpr const char* kTooLarge = "The answer is too large";
@@ -37,63 +38,22 @@ struct SlistDeleter {
 };
 using SlistPtr = std::unique_ptr<curl_slist, SlistDeleter>;
 
-bool StartsWith(std::string_view text, std::string_view prefix)
-{
-    return EqualNoCase(text.substr(0, prefix.size()), prefix);
-}
-
-bool IsChunked(std::string_view transferEncoding)
-{
-    constexpr std::string_view last = "chunked";
-    const std::size_t length = transferEncoding.find_last_not_of(" \t\r\n") + 1;
-    return length >= last.size() &&
-           EqualNoCase(transferEncoding.substr(length - last.size(), last.size()), last);
-}
-
 std::string Seconds(long ms)
 {
     return std::to_string(ms / 1000) + (ms == 1000 ? " second" : " seconds");
 }
 
-/// What the header lines of a response tell about its end. libcurl also takes a header block that was cut, or
-/// a body that ends with the connection, for a whole response.
-class ResponseHead
+#ifndef _WIN32
+int PrepareSocket(void*, curl_socket_t socket, curlsocktype) noexcept
 {
-public:
-    /// False when the head grows out of bounds.
-    bool Add(std::string_view line)
-    {
-        m_bytes += line.size();
-        if (StartsWith(line, "HTTP/")) {
-            m_complete = false;
-            m_framed = false;
-        } else if (line == "\r\n" || line == "\n") {
-            m_complete = true;
-        } else if (StartsWith(line, "Content-Length:") ||
-                   (StartsWith(line, "Transfer-Encoding:") && IsChunked(line))) {
-            m_framed = true;
-        }
-        return m_bytes <= kMaxHeadBytes;
-    }
-
-    bool ShowsEndOfBody(int status) const
-    {
-        return m_complete && (m_framed || status == 204 || status == 304);
-    }
-
-private:
-    std::size_t m_bytes = 0;
-    bool m_complete = false;
-    bool m_framed = false;
-};
-
+    // A program that is started meanwhile must not hold the connection open.
+    fcntl(socket, F_SETFD, FD_CLOEXEC);
 #ifdef TCP_NOTSENT_LOWAT
-/// Keeps the system from taking megabytes of an upload at once and then, on a slow line, nothing for a
-/// minute, which looks like a stalled transfer.
-int LimitUnsentBytes(void*, curl_socket_t socket, curlsocktype) noexcept
-{
+    // Otherwise the system may take megabytes of an upload at once and then, on a slow line, nothing for a
+    // minute, which looks like a stalled transfer.
     const int bytes = 64 * 1024;
     setsockopt(socket, IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
+#endif
     return CURL_SOCKOPT_OK;
 }
 #endif
@@ -210,8 +170,8 @@ void Transfer::SetUp()
     Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-#ifdef TCP_NOTSENT_LOWAT
-    Set(CURLOPT_SOCKOPTFUNCTION, &LimitUnsentBytes);
+#ifndef _WIN32
+    Set(CURLOPT_SOCKOPTFUNCTION, &PrepareSocket);
 #endif
     Set(CURLOPT_CONNECTTIMEOUT_MS, m_options.connectTimeoutMs);
     Set(CURLOPT_MAXAGE_CONN, kMaxIdleSeconds);
@@ -233,8 +193,8 @@ void Transfer::SetUp()
 
 void Transfer::SetUpScheme()
 {
-    const bool tls = StartsWith(m_options.url, "https://");
-    if (!tls && !StartsWith(m_options.url, "http://"))
+    const bool tls = StartsWithNoCase(m_options.url, "https://");
+    if (!tls && !StartsWithNoCase(m_options.url, "http://"))
         m_fault = "The address is neither http:// nor https://";
     else if (BreaksLine(m_options.url))
         m_fault = "The address holds a line break or a NUL";

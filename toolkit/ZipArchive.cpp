@@ -46,7 +46,7 @@ void RequireSound(ZipReader* reader)
     ZipRules rules;
     while (reader->Next()) {
         rules.Admit(reader->Name(), reader->Kind(), reader->Size());
-        reader->Read([](std::string_view) {});
+        ZipRules::AdmitRatio(reader->Read([](std::string_view) {}), reader->Size());
     }
 }
 
@@ -69,10 +69,11 @@ void MakeFolders(const fs::path& directory, const fs::path& relative)
 void UnpackFile(ZipReader* reader, const fs::path& path)
 {
     FreshFile file(path);
-    reader->Read([&](std::string_view bytes) {
+    const std::uint64_t packed = reader->Read([&](std::string_view bytes) {
         if (!file.Write(bytes))
             throw std::runtime_error("Cannot write the file " + path.u8string());
     });
+    ZipRules::AdmitRatio(packed, reader->Size());
     file.Finish();
     if (const fs::perms execute = reader->ExecuteBits(); execute != fs::perms::none) {
         std::error_code error;

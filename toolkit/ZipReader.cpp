@@ -137,7 +137,7 @@ std::filesystem::perms ZipReader::ExecuteBits() const
             std::filesystem::perms::others_exec);
 }
 
-void ZipReader::Read(const std::function<void(std::string_view)>& sink)
+std::uint64_t ZipReader::Read(const std::function<void(std::string_view)>& sink)
 {
     const std::int64_t start = archive_filter_bytes(m_archive, -1);
     std::uint64_t total = 0;
@@ -156,7 +156,7 @@ void ZipReader::Read(const std::function<void(std::string_view)>& sink)
     }
     if (total != Size())
         throw std::runtime_error("The archive holds a file that is smaller than it claims");
-    ZipRules::AdmitRatio(static_cast<std::uint64_t>(archive_filter_bytes(m_archive, -1) - start), total);
+    return static_cast<std::uint64_t>(archive_filter_bytes(m_archive, -1) - start);
 }
 
 } // namespace toolkit

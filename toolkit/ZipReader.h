@@ -38,8 +38,8 @@ public:
     std::filesystem::perms ExecuteBits() const;
 
     /// Hands the content of the current entry to @p sink piece by piece, and checks on the way that it has
-    /// the declared size, the right checksum and no unbelievable ratio.
-    void Read(const std::function<void(std::string_view)>& sink);
+    /// the declared size and the right checksum. Returns the bytes that it takes in the archive.
+    std::uint64_t Read(const std::function<void(std::string_view)>& sink);
 
 private:
     class Utf8Scope;
