@@ -102,9 +102,8 @@ FocusScope {
         selectByMouse: true
         text: modelData.randomPercent
 
-        validator: IntValidator {
-            bottom: 0
-            top: 100
+        validator: RegularExpressionValidator {
+            regularExpression: /100|\d{0,2}/
         }
 
         Accessible.name: qsTr("random percent: ")

@@ -107,6 +107,9 @@ FocusScope {
 
             height: actions.height + 50
 
+            // All lines are there before anything is saved from them.
+            Component.onCompleted: actions.forceLayout()
+
             ListView {
                 id: actions
 
@@ -114,6 +117,7 @@ FocusScope {
                 width: parent.width
                 height: count * 50
                 interactive: false
+                keyNavigationEnabled: true
                 currentIndex: -1
                 model: profile ? profile.farmActions : []
 

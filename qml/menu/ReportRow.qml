@@ -7,9 +7,10 @@ FocusScope {
     id: row
 
     readonly property var view: ListView.view
-    readonly property var jobs: Format.entries(modelData.data)
+    readonly property var totals: modelData.data
     readonly property bool empty: jobs.length === 0
-    /// Of all the names of this day.
+    property var jobs: []
+    /// As wide as the widest name of this day needs it.
     property real nameWidth: 200
 
     signal detailsRequested()
@@ -20,6 +21,11 @@ FocusScope {
 
     Accessible.role: Accessible.ListItem
     Accessible.name: modelData.date
+
+    onTotalsChanged: {
+        nameWidth = 200
+        jobs = Format.entries(totals)
+    }
 
     Text {
         objectName: "date"
@@ -107,7 +113,7 @@ FocusScope {
             anchors.right: details.left
             height: parent.height
             verticalAlignment: Text.AlignVCenter
-            text: qsTr("Estimated income: ") + Format.grouped(Format.income(modelData.data)) + " vnd"
+            text: qsTr("Estimated income: ") + Format.grouped(Format.income(row.totals)) + " vnd"
             textFormat: Text.PlainText
             elide: Text.ElideRight
         }

@@ -14,6 +14,7 @@ TestCase {
     when: windowShown
 
     function find(name, within) {
+        verify(within !== null, "there is something to find " + name + " in")
         return Scene.find(within || window, name)
     }
 

@@ -1,0 +1,190 @@
+import QtQuick 2.15
+import QtTest 1.15
+
+PageCase {
+    id: suite
+
+    readonly property var actionNames: [
+        "facebook_feed", "facebook_feed_like", "facebook_watch", "facebook_watch_like", "facebook_add_suggest_friend",
+        "facebook_confirm_friend", "facebook_post_status", "facebook_post_status_image", "facebook_add_avatar_frame",
+        "facebook_react_story", "facebook_share_random_video", "facebook_share_create_profile_page"
+    ]
+
+    function prepare() {
+        setProfiles({ Alpha: { facebook_feed: 60, someday: 9, facebook_share_create_profile_page: 0 }, Beta: {} })
+    }
+
+    function setProfiles(profiles) {
+        Service.setUser(Service.adminToken, Object.assign(Service.user(Service.adminToken), { farm_profiles: profiles }))
+    }
+
+    function stored() {
+        return Service.user(Service.adminToken).farm_profiles
+    }
+
+    function row(index) {
+        return find("profileRow" + index)
+    }
+
+    function openRow(index) {
+        mouseClick(row(index), 100, 25)
+        verify(row(index).expanded)
+        return row(index)
+    }
+
+    function action(profile, index) {
+        return find("action" + index, profile)
+    }
+
+    function setPercent(profile, index, digits) {
+        const field = find("percent", action(profile, index))
+        field.forceActiveFocus(Qt.TabFocusReason)
+        keyClick(Qt.Key_A, Qt.ControlModifier)
+        keyClick(Qt.Key_Delete)
+        type(digits)
+        return field
+    }
+
+    /// "name+percent" of each enabled action, "name-percent" of the others.
+    function shown(profile) {
+        return actionNames.map((name, index) => {
+            const line = action(profile, index)
+            return text("actionName", line) + (find("enable", line).checked ? "+" : "-") + text("percent", line)
+        })
+    }
+
+    function save(profile) {
+        find("save", profile).forceActiveFocus(Qt.TabFocusReason)
+        keyClick(Qt.Key_Return)
+        compare(post("user/upsert-farm-profile").length, 1)
+        Service.settle()
+    }
+
+    function settled() {
+        tryVerify(() => row(1) !== null)
+    }
+
+    name: "Profiles"
+    menuRow: 4
+
+    function test_showsTheProfiles() {
+        compare(find("profileView").count, 2)
+        compare([text("profileName", row(0)), text("profileName", row(1))], ["Alpha", "Beta"])
+        compare([row(0).height, row(1).height], [50, 50])
+        const alpha = openRow(0)
+        compare(shown(alpha), actionNames.map((name, index) => name + (index === 0 ? "+60" : index === 11 ? "+0" : "-0")))
+        verify(find("profileName", alpha).readOnly)
+        tryCompare(row(1), "y", 50 * 13)
+        openRow(0)
+        find("profileName", row(1)).forceActiveFocus()
+        verify(row(1).expanded && !row(0).expanded)
+        compare(row(0).height, 50)
+    }
+
+    function test_editAndReadBack() {
+        const alpha = openRow(0)
+        click("enable", action(alpha, 0))
+        click("enable", action(alpha, 2))
+        setPercent(alpha, 2, "45")
+        find("enable", action(alpha, 4)).forceActiveFocus(Qt.TabFocusReason)
+        keyClick(Qt.Key_Space)
+        compare(stored().Alpha.facebook_watch, undefined)
+        save(alpha)
+        compare(stored().Alpha, { facebook_watch: 45, facebook_add_suggest_friend: 0, facebook_share_create_profile_page: 0 })
+        compare(stored().Beta, {})
+        tryVerify(() => row(0) !== alpha && row(0).expanded)
+        compare(shown(row(0))[2], "facebook_watch+45")
+        compare(shown(row(0))[0], "facebook_feed-0")
+    }
+
+    function test_createAProfile() {
+        const alpha = openRow(0)
+        setPercent(alpha, 1, "7")
+        click("addProfile")
+        compare(find("profileView").count, 3)
+        const fresh = row(2)
+        verify(fresh.expanded && !alpha.expanded)
+        verify(find("profileName", fresh).activeFocus && !find("profileName", fresh).readOnly)
+        compare(text("profileName", fresh), "Profile-0")
+        // What is being edited elsewhere stays.
+        compare(text("percent", action(alpha, 1)), "7")
+
+        keyClick(Qt.Key_A, Qt.ControlModifier)
+        keyClick(Qt.Key_Delete)
+        verify(!find("save", fresh).enabled)
+        type("Aardvark")
+        find("enable", action(fresh, 3)).forceActiveFocus()
+        keyClick(Qt.Key_Space)
+        setPercent(fresh, 3, "100")
+        save(fresh)
+        compare(Object.keys(stored()).sort(), ["Aardvark", "Alpha", "Beta"])
+        compare(stored().Aardvark, { facebook_watch_like: 100 })
+        // The service sorts by name; the open one is still the open one.
+        tryVerify(() => row(0) !== alpha && text("profileName", row(0)) === "Aardvark" && row(0).expanded)
+        verify(find("profileName", row(0)).readOnly)
+    }
+
+    function test_percentField_data() {
+        return [
+            { tag: "00", typed: "00", shown: "0" }, { tag: "05", typed: "05", shown: "05" },
+            { tag: "100", typed: "100", shown: "100" }, { tag: "above", typed: "101", shown: "10" },
+            { tag: "letters", typed: "1x2", shown: "12" }, { tag: "empty", typed: "", shown: "" }
+        ]
+    }
+
+    function test_percentField(data) {
+        compare(setPercent(openRow(0), 0, data.typed).text, data.shown)
+        save(row(0))
+        compare(stored().Alpha.facebook_feed, parseInt(data.shown) || 0)
+    }
+
+    function test_failedSaveKeepsTheEdits() {
+        Service.setFault("/api/v1/user/upsert-farm-profile", "Refuse")
+        const alpha = openRow(0)
+        setPercent(alpha, 0, "33")
+        find("save", alpha).forceActiveFocus()
+        keyClick(Qt.Key_Space)
+        compare(text("notificationText"), "Save profile failure!")
+        compare(stored().Alpha.facebook_feed, 60)
+        compare(text("percent", action(alpha, 0)), "33")
+        verify(alpha.expanded)
+    }
+
+    function test_focusScrollsIntoView() {
+        const alpha = openRow(0)
+        const view = find("profileView")
+        find("enable", action(alpha, 0)).forceActiveFocus(Qt.TabFocusReason)
+        for (let i = 0; i < 3 * 11; ++i)
+            keyClick(Qt.Key_Tab)
+        verify(find("enable", action(alpha, 11)).activeFocus)
+        const y = action(alpha, 11).mapToItem(view, 0, 0).y
+        verify(y >= 0 && y + 50 <= view.height, y)
+        keyClick(Qt.Key_Down)
+        verify(alpha.expanded)
+        keyClick(Qt.Key_Up)
+        verify(action(alpha, 10).activeFocus)
+    }
+
+    function test_tabClickIsAScriptError() {
+        click("tab0")
+        compare(Service.warnings().length, 1)
+        verify(Service.warnings()[0].includes("tabIndex is not defined"))
+        compare(find("tabStrip").currentIndex, 0)
+        compare(find("tabContent").item.objectName, "farmProfileSettings")
+    }
+
+    function test_hostileNames_data() {
+        return hostileTexts()
+    }
+
+    function test_hostileNames(data) {
+        const profiles = {}
+        profiles[data.text] = { facebook_feed: 1 }
+        setProfiles(profiles)
+        AppManager.checkUser()
+        tryVerify(() => find("profileView").count === 1)
+        Service.settle()
+        compare(openRow(0).height, 650)
+        compare(find("profileName", row(0)).width, 200)
+    }
+}

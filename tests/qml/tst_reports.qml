@@ -1,0 +1,135 @@
+import QtQuick 2.15
+import QtTest 1.15
+
+PageCase {
+    id: suite
+
+    /// The date text of the day @p daysAgo.
+    function day(daysAgo) {
+        const now = new Date()
+        const date = new Date(now.getFullYear(), now.getMonth(), now.getDate() - daysAgo)
+        return [date.getFullYear(), date.getMonth() + 1, date.getDate()].join("-")
+    }
+
+    function prepare() {
+        const reports = {}
+        reports[day(0)] = {
+            total: { facebook_page_like_type_1: 2, facebook_follow_type_1: 3, zebra: 1234 },
+            device_details: {
+                "dev-b": { facebook_follow_type_1: 25000 },
+                "dev-a": { facebook_follow_type_1: 3, facebook_page_like_type_1: 2 },
+                "dev-c": { facebook_follow_type_1: 8, facebook_page_like_type_1: 20, other: 7 },
+                "dev-d": { other: 7 }
+            }
+        }
+        reports[day(2)] = { total: { facebook_follow_type_1: 25000 }, device_details: {} }
+        Service.reports = reports
+    }
+
+    function row(index) {
+        return find("reportRow" + index)
+    }
+
+    function settled() {
+        tryVerify(() => row(0) && find("income", row(0)).text.includes("190"))
+    }
+
+    name: "Reports"
+    menuRow: 5
+
+    function test_tenDaysNewestFirst() {
+        compare(post("reports/get")[0].date_list, [0, 1, 2, 3, 4, 5, 6, 7, 8, 9].map(day))
+        compare(page.count, 10)
+        page.cacheBuffer = 10000
+        tryVerify(() => row(9) !== null)
+        compare([0, 1, 2, 3, 4, 5, 6, 7, 8, 9].map(index => text("date", row(index))),
+                [0, 1, 2, 3, 4, 5, 6, 7, 8, 9].map(day))
+    }
+
+    function test_aDay() {
+        const jobs = find("jobs", row(0))
+        tryVerify(() => jobs.itemAtIndex(2) !== null)
+        compare([0, 1, 2].map(index => [text("name", jobs.itemAtIndex(index)), text("value", jobs.itemAtIndex(index))].join(" ")),
+                ["facebook_follow_type_1: 3", "facebook_page_like_type_1: 2", "zebra: 1234"])
+        compare([jobs.x, jobs.height], [200, 3 * 34 - 4])
+        compare(text("income", row(0)), "Estimated income: 190 vnd")
+        compare(text("income", row(2)), "Estimated income: 1.000.000 vnd")
+        verify(!find("noData", row(0)).visible)
+    }
+
+    function test_aDayWithoutData() {
+        verify(find("noData", row(1)).visible)
+        const summary = find("summary", row(1))
+        compare([summary.opacity, summary.enabled], [0, false])
+        compare(find("details", row(1)).width, 80)
+    }
+
+    function test_nameColumn_data() {
+        return [{ tag: "short", name: "a", wide: false }, { tag: "long", name: "a_rather_long_name_of_a_job_type_1", wide: true },
+                { tag: "megabyte", name: "w".repeat(1 << 20), wide: true }]
+    }
+
+    function test_nameColumn(data) {
+        const reports = {}
+        reports[day(0)] = { total: { zz: 5 }, device_details: {} }
+        reports[day(0)].total[data.name] = 4
+        Service.reports = reports
+        page.pullToRefreshReleased()
+        tryVerify(() => text("income", row(0)).includes(" 0 "))
+        const jobs = find("jobs", row(0))
+        tryVerify(() => jobs.itemAtIndex(1) !== null)
+        const names = [0, 1].map(index => find("name", jobs.itemAtIndex(index)))
+        compare(names[0].width, names[1].width)
+        compare(names[0].width > 200, data.wide)
+        const longest = Math.max(names[0].implicitWidth, names[1].implicitWidth)
+        compare(names[0].width, Math.min(Math.max(200, longest + 10), jobs.width - 100))
+        verify(find("value", jobs.itemAtIndex(1)).x + 20 < jobs.width)
+    }
+
+    function test_detailsPanel_data() {
+        return [{ tag: "mouse", keyboard: false }, { tag: "keyboard", keyboard: true }]
+    }
+
+    function test_detailsPanel(data) {
+        const panel = find("incomeDetails")
+        verify(!panel.visible)
+        if (data.keyboard) {
+            find("details", row(0)).forceActiveFocus(Qt.TabFocusReason)
+            keyClick(Qt.Key_Return)
+        } else {
+            click("details", row(0))
+        }
+        tryCompare(panel, "height", page.height)
+        compare([panel.width, panel.mapToItem(page, 0, 0).y], [page.width, 0])
+        tryVerify(() => find("incomeRow3", panel) !== null)
+        compare([0, 1, 2, 3].map(index => [text("device", find("incomeRow" + index)), text("income", find("incomeRow" + index))].join()),
+                ["Device: dev-a,Estimated income: 190 vnd", "Device: dev-b,Estimated income: 1.0.0 vnd",
+                 "Device: dev-c,Estimated income: 1.20 vnd", "Device: dev-d,Estimated income: 0 vnd"])
+        if (data.keyboard)
+            keyClick(Qt.Key_Return)
+        else
+            click("close", panel)
+        tryCompare(panel, "visible", false)
+        compare(panel.height, 0)
+    }
+
+    function test_keepsItsMargins() {
+        for (const size of [[1280, 720], [1280, 900], [1500, 900]]) {
+            window.width = size[0]
+            window.height = size[1]
+            tryCompare(page, "height", size[1] - 100)
+            compare([page.x, page.width], [10, find("mainContent").width - 20])
+        }
+    }
+
+    function test_refresh() {
+        const asked = post("reports/get").length
+        const reports = Service.reports
+        reports[day(0)].total = { facebook_follow_type_1: 1 }
+        Service.reports = reports
+        page.forceActiveFocus()
+        keyClick(Qt.Key_F5)
+        tryVerify(() => text("income", row(0)) === "Estimated income: 40 vnd")
+        compare(post("reports/get").length, asked + 1)
+    }
+}
