@@ -295,7 +295,7 @@ void Application::onGetGlobalConfig(const QString& configJson)
 {
     auto config = std::make_unique<GlobalConfig>();
     config->fromJson(QJsonDocument::fromJson(configJson.toUtf8()).object());
-    AppModel::instance()->setGlobalConfig(config.release());
+    AppModel::instance()->setGlobalConfig(std::move(config));
 }
 
 void Application::applyGlobalSetting(int androidAppVer, QString androidAppPath, int facebookAppVer,
@@ -331,13 +331,13 @@ void Application::uploadDefinition(int ver, QString filePath)
 
 void Application::getReports()
 {
-    start([dates = AppModel::instance()->reportDates()](const Job& job) {
+    start([dates = AppModel::reportDates()](const Job& job) {
         const QString token = job.token();
-        QJsonObject reports;
-        const bool fetched = job.api->getReports(token, dates, &reports);
-        deliverFor(token, job, [fetched, reports](Application* app) {
+        QJsonObject answer;
+        const bool fetched = job.api->getReports(token, dates, &answer);
+        deliverFor(token, job, [fetched, days = ReportsByDate::readDays(answer)](Application* app) {
             if (fetched)
-                AppModel::instance()->applyReports(reports);
+                AppModel::instance()->applyReports(days);
             else
                 emit app->pushNotification(Error, tr("Load report list failure!"));
         });

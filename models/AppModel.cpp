@@ -22,11 +22,9 @@ AppModel* AppModel::instance()
 
 AppModel::AppModel(QObject* parent) : QObject(parent)
 {
-    for (int i = 0; i < kReportDays; ++i) {
-        m_reports.append(new ReportsByDate(this));
-        m_reportList.append(m_reports.last());
-    }
-    publishReports({}, QDate::currentDate());
+    for (int i = 0; i < kReportDays; ++i)
+        m_reportList.append(new ReportsByDate(this));
+    applyReports({});
 }
 
 void AppModel::setUserInfo(UserInfo* userInfo)
@@ -80,13 +78,6 @@ void AppModel::setClones(const QVariantList& records)
     }
     if (list.holder)
         list.holder->deleteLater();
-}
-
-void AppModel::clearFarm()
-{
-    setDevices({});
-    setClones({});
-    publishReports({}, QDate::currentDate());
 }
 
 void AppModel::refreshCloneCounts()
@@ -147,44 +138,38 @@ QStringList AppModel::selectedCloneIds() const
     return ids;
 }
 
-void AppModel::setGlobalConfig(GlobalConfig* globalConfig)
+void AppModel::setGlobalConfig(std::unique_ptr<GlobalConfig> globalConfig)
 {
-    if (m_globalConfig == globalConfig)
-        return;
     GlobalConfig* const before = m_globalConfig;
-    m_globalConfig = globalConfig;
-    if (globalConfig)
-        globalConfig->setParent(this);
+    m_globalConfig = globalConfig.release();
+    if (m_globalConfig)
+        m_globalConfig->setParent(this);
     emit globalConfigChanged();
     if (before)
         before->deleteLater();
 }
 
-QJsonArray AppModel::reportDates(const QDate& today) const
+QJsonArray AppModel::reportDates(const QDate& today)
 {
     QJsonArray dates;
-    for (int i = 0; i < m_reports.size(); ++i)
+    for (int i = 0; i < kReportDays; ++i)
         dates.append(ReportsByDate::dateText(today.addDays(-i)));
     return dates;
 }
 
-void AppModel::applyReports(const QJsonObject& reports, const QDate& today)
+void AppModel::applyReports(const ReportDays& days, const QDate& today)
 {
-    QHash<QString, DayReport> days;
-    for (auto it = reports.begin(); it != reports.end(); ++it) {
-        const QJsonObject day = it.value().toObject();
-        days.insert(it.key(), {day.value(QLatin1String("total")).toObject().toVariantMap(),
-                               day.value(QLatin1String("device_details")).toObject().toVariantMap()});
-    }
-    QMetaObject::invokeMethod(this, [this, days, today] { publishReports(days, today); });
-}
-
-void AppModel::publishReports(const QHash<QString, DayReport>& days, const QDate& today)
-{
-    for (int i = 0; i < m_reports.size(); ++i) {
+    for (int i = 0; i < kReportDays; ++i) {
         const QString date = ReportsByDate::dateText(today.addDays(-i));
-        const DayReport day = days.value(date);
-        m_reports[i]->assign(date, day.data, day.details);
+        static_cast<ReportsByDate*>(m_reportList[i])->assign(date, days.value(date));
     }
     emit reportListChanged();
+}
+
+void AppModel::clearFarm()
+{
+    setDevices({});
+    setClones({});
+    applyReports({});
+    setGlobalConfig(nullptr);
 }

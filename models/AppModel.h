@@ -7,18 +7,18 @@
 #include "models/UserInfo.h"
 
 #include <QDate>
-#include <QHash>
 #include <QJsonArray>
-#include <QJsonObject>
 #include <QList>
 #include <QPointer>
 #include <QVariantList>
 #include <QVariantMap>
 #include <QVector>
 
+#include <memory>
+
 /// Everything that the scene shows. Lists are replaced whole and announced with one signal; the objects of
 /// the list before stay alive until the event loop turns, because the scene uses them while it hears of the
-/// new ones. Lives on the UI thread; reportDates() and applyReports() may be called on any.
+/// new ones. Lives on the UI thread.
 class AppModel : public QObject
 {
     Q_OBJECT
@@ -52,9 +52,6 @@ public:
     /// are no objects are left out.
     void setDevices(const QVariantList& records);
 
-    /// Empties the devices, the clones and the reports: another account's farm comes next.
-    void clearFarm();
-
     const QList<QObject*>& cloneList() const { return m_clones.objects; }
     const QVector<CloneInfo*>& clones() const { return m_clones.records; }
     /// The same for the clones. Every new clone passes the filter.
@@ -74,17 +71,19 @@ public:
 
     /// Null until the service's configuration is known.
     GlobalConfig* globalConfig() const { return m_globalConfig; }
-    /// Takes ownership; the configuration before is deleted later.
-    void setGlobalConfig(GlobalConfig* globalConfig);
+    /// The configuration before is deleted later.
+    void setGlobalConfig(std::unique_ptr<GlobalConfig> globalConfig);
 
     /// One ReportsByDate a day, newest first; the same ten objects for ever.
     const QList<QObject*>& reportList() const { return m_reportList; }
     /// The days to ask the service about, today first. Any thread.
-    QJsonArray reportDates(const QDate& today = QDate::currentDate()) const;
-    /// Fills the reports with the service's answer, which is keyed by day: the entries run from @p today
-    /// back; a day that the answer lacks is empty. Any thread; the entries change on the UI thread, all at
-    /// once.
-    void applyReports(const QJsonObject& reports, const QDate& today = QDate::currentDate());
+    static QJsonArray reportDates(const QDate& today = QDate::currentDate());
+    /// Dates the entries from @p today back and gives each the figures of its day, one entry after the other;
+    /// a day that @p days lacks is empty. Announces the list once, after the last.
+    void applyReports(const ReportDays& days, const QDate& today = QDate::currentDate());
+
+    /// Empties the devices, the clones, the reports and the configuration: another account's farm comes next.
+    void clearFarm();
 
 signals:
     void userInfoChanged();
@@ -105,13 +104,8 @@ private:
         QVector<Record*> records;
         QList<QObject*> objects;
     };
-    struct DayReport {
-        QVariantMap data;
-        QVariantMap details;
-    };
 
     void refreshCloneCounts();
-    void publishReports(const QHash<QString, DayReport>& days, const QDate& today);
 
     QPointer<UserInfo> m_userInfo;
     QList<QObject*> m_cachedUsers;
@@ -119,7 +113,5 @@ private:
     Published<CloneInfo> m_clones;
     QList<QObject*> m_filteredClones;
     GlobalConfig* m_globalConfig = nullptr;
-    // Both lists are fixed once the model is made, so that any thread may count them.
-    QVector<ReportsByDate*> m_reports;
     QList<QObject*> m_reportList;
 };

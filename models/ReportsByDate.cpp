@@ -2,14 +2,14 @@
 
 ReportsByDate::ReportsByDate(QObject* parent) : QObject(parent) {}
 
-void ReportsByDate::assign(const QString& date, const QVariantMap& data, const QVariantMap& details)
+void ReportsByDate::assign(const QString& date, const DayReport& report)
 {
     const bool newDate = m_date != date;
-    const bool newData = m_data != data;
-    const bool newDetails = m_details != details;
+    const bool newData = m_data != report.data;
+    const bool newDetails = m_details != report.details;
     m_date = date;
-    m_data = data;
-    m_details = details;
+    m_data = report.data;
+    m_details = report.details;
     if (newDate)
         emit dateChanged();
     if (newData)
@@ -21,4 +21,15 @@ void ReportsByDate::assign(const QString& date, const QVariantMap& data, const Q
 QString ReportsByDate::dateText(const QDate& date)
 {
     return date.toString(QStringLiteral("yyyy-M-d"));
+}
+
+ReportDays ReportsByDate::readDays(const QJsonObject& answer)
+{
+    ReportDays days;
+    for (auto it = answer.begin(); it != answer.end(); ++it) {
+        const QJsonObject day = it.value().toObject();
+        days.insert(it.key(), {day.value(QLatin1String("total")).toObject().toVariantMap(),
+                               day.value(QLatin1String("device_details")).toObject().toVariantMap()});
+    }
+    return days;
 }

@@ -3,8 +3,21 @@
 #include "models/Property.h"
 
 #include <QDate>
+#include <QHash>
+#include <QJsonObject>
 #include <QString>
 #include <QVariantMap>
+
+/// The figures of one day.
+struct DayReport {
+    /// Job name to number of jobs done.
+    QVariantMap data;
+    /// Device id to a map like data.
+    QVariantMap details;
+};
+
+/// The figures by day, in the form of ReportsByDate::dateText().
+using ReportDays = QHash<QString, DayReport>;
 
 /// What the farm did on one day.
 class ReportsByDate : public QObject
@@ -12,17 +25,17 @@ class ReportsByDate : public QObject
     Q_OBJECT
     /// In the form of dateText().
     NOTIFYING_PROPERTY(QString, date, setDate);
-    /// Job name to number of jobs done.
     NOTIFYING_PROPERTY(QVariantMap, data, setData);
-    /// Device id to a map like data.
     NOTIFYING_PROPERTY(QVariantMap, details, setDetails);
 
 public:
     explicit ReportsByDate(QObject* parent = nullptr);
 
     /// Sets all three before it announces any, so that no listener sees one day's figures under another date.
-    void assign(const QString& date, const QVariantMap& data, const QVariantMap& details);
+    void assign(const QString& date, const DayReport& report);
 
     /// How the service writes a date: year, month and day without leading zeros, "2024-3-1".
     static QString dateText(const QDate& date);
+    /// The days of the service's answer. What has another shape is empty. Any thread.
+    static ReportDays readDays(const QJsonObject& answer);
 };
