@@ -121,10 +121,8 @@ void Application::onGetUserInfo(const QVariant& userInfo)
     UserInfo* const user = AppModel::instance()->userInfo();
     if (!user)
         return;
-    if (!user->applyInfo(answer)) {
-        user->setToken(QString());
+    if (!user->applyInfo(answer))
         return;
-    }
     m_settings->setValue(kTokenKey, user->token());
     emit pushNotification(Info, tr("Load user info successful!"));
     getGlobalConfigAsync();

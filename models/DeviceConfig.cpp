@@ -2,19 +2,25 @@
 
 #include "models/Json.h"
 
+namespace {
+
+const QString kConnectivityType = QStringLiteral("connectivity_type");
+const QString kDeviceLabel = QStringLiteral("device_label");
+
+} // namespace
+
 DeviceConfig::DeviceConfig(QObject* parent) : QObject(parent) {}
 
-void DeviceConfig::read(const QVariantMap& record)
+void DeviceConfig::fromJson(const QVariantMap& record)
 {
     static const json::Fields<DeviceConfig> fields{
-        {QStringLiteral("connectivity_type"), json::readInteger<&DeviceConfig::setConnectivityType>},
-        {QStringLiteral("device_label"), json::readText<&DeviceConfig::setDeviceLabel>},
+        {kConnectivityType, json::readInteger<&DeviceConfig::setConnectivityType>},
+        {kDeviceLabel, json::readText<&DeviceConfig::setDeviceLabel>},
     };
     json::readFields(record, fields, this);
 }
 
 QJsonObject DeviceConfig::toJson() const
 {
-    return {{QStringLiteral("connectivity_type"), connectivityType()},
-            {QStringLiteral("device_label"), deviceLabel()}};
+    return {{kConnectivityType, connectivityType()}, {kDeviceLabel, deviceLabel()}};
 }

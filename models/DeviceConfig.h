@@ -18,7 +18,7 @@ public:
     explicit DeviceConfig(QObject* parent = nullptr);
 
     /// Takes the keys that @p record holds.
-    void read(const QVariantMap& record);
+    void fromJson(const QVariantMap& record);
     /// The form in which the service stores it.
     QJsonObject toJson() const;
 };

@@ -13,7 +13,7 @@ DeviceInfo::DeviceInfo(const QVariantMap& record, QObject* parent)
         {QStringLiteral("status"), json::readInteger<&DeviceInfo::setStatus>},
         {QStringLiteral("user_id"), json::readText<&DeviceInfo::setUserId>},
         {QStringLiteral("device_config"),
-         [](DeviceInfo* device, const QVariant& value) { device->m_deviceConfig->read(value.toMap()); }},
+         [](DeviceInfo* device, const QVariant& value) { device->m_deviceConfig->fromJson(value.toMap()); }},
         {QStringLiteral("last_getting_job_ts"),
          [](DeviceInfo* device, const QVariant& value) {
              device->setLastGettingJobs(ageText(json::integer64(value), QDateTime::currentSecsSinceEpoch()));

@@ -4,7 +4,8 @@
 #include "models/FarmProfile.h"
 #include "models/Json.h"
 
-#include <algorithm>
+#include <QSet>
+
 #include <mutex>
 
 struct UserInfo::SharedToken {
@@ -59,7 +60,7 @@ bool UserInfo::applyInfo(const QJsonObject& answer)
     };
     const QString acceptedToken = answer.value(QLatin1String("token")).toString();
     if (acceptedToken.isEmpty()) {
-        setIsValidated(false);
+        setToken(QString());
         return false;
     }
     setToken(acceptedToken);
@@ -76,7 +77,7 @@ void UserInfo::replaceFarmProfiles(const QVariantMap& profiles)
         profile->readActions(it.value().toMap());
         list.append(profile);
     }
-    if (list == m_farmProfiles)
+    if (list.isEmpty() && m_farmProfiles.isEmpty())
         return;
     // The scene still shows the old profiles until it has heard of the new ones.
     m_farmProfiles.swap(list);
@@ -87,14 +88,14 @@ void UserInfo::replaceFarmProfiles(const QVariantMap& profiles)
 
 void UserInfo::createTempProfile()
 {
-    const auto taken = [this](const QString& name) {
-        return std::any_of(m_farmProfiles.cbegin(), m_farmProfiles.cend(), [&](const QObject* profile) {
-            return static_cast<const FarmProfile*>(profile)->profileName() == name;
-        });
-    };
+    QSet<QString> taken;
+    for (const QObject* profile : qAsConst(m_farmProfiles))
+        taken.insert(static_cast<const FarmProfile*>(profile)->profileName());
+    int number = 0;
     QString name;
-    for (int i = 0; name.isEmpty() || taken(name); ++i)
-        name = QStringLiteral("Profile-%1").arg(i);
+    do
+        name = QStringLiteral("Profile-%1").arg(number++);
+    while (taken.contains(name));
     LOG_D << "name; " << name;
 
     auto* profile = new FarmProfile(name, this);

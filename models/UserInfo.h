@@ -40,7 +40,7 @@ public:
 
     /// Applies the service's answer about the token. With a token in it the user is validated and takes the
     /// fields that the answer holds; farm profiles are replaced as a whole. Without one the answer is a
-    /// rejection: the user is no longer validated, nothing else changes, and the result is false.
+    /// rejection: the token is cleared (see setToken()), nothing else changes, and the result is false.
     bool applyInfo(const QJsonObject& answer);
 
     /// Appends a farm profile that is not saved yet, under the first free name "Profile-0", "Profile-1", ...
