@@ -241,7 +241,7 @@ void Application::deleteSelectedClone()
 void Application::addClone(QString raw, QString network, QString profile)
 {
     LOG_D << network << " -- profile: " << profile << " : \n" << raw;
-    const QJsonArray clones = CloneImport::parse(raw, profile);
+    const QJsonArray clones = cloneimport::parse(raw, profile);
     if (clones.isEmpty())
         return;
     if (service().addClones(currentToken(), network, clones))

@@ -2,8 +2,6 @@
 
 #include "models/CloneInfo.h"
 
-#include <limits>
-
 namespace {
 
 std::optional<QSet<QString>> texts(const QVariant& list)
@@ -13,15 +11,13 @@ std::optional<QSet<QString>> texts(const QVariant& list)
         return std::nullopt;
     QSet<QString> set;
     set.reserve(values.size());
-    for (const QVariant& value : values) {
-        if (value.canConvert<QString>())
-            set.insert(value.toString());
-    }
+    for (const QVariant& value : values)
+        set.insert(value.toString());
     return set;
 }
 
-// JavaScript hands over numbers as int or double. A value that equals no int stays out, and the list still
-// constrains.
+// JavaScript hands over numbers as int or double. A value that equals no int, which toInt() rounds or cuts,
+// stays out, and the list still constrains.
 std::optional<QSet<int>> integers(const QVariant& list)
 {
     const QVariantList values = list.toList();
@@ -30,12 +26,8 @@ std::optional<QSet<int>> integers(const QVariant& list)
     QSet<int> set;
     for (const QVariant& value : values) {
         bool isNumber = false;
-        const double number = value.toDouble(&isNumber);
-        if (!isNumber || !(number >= std::numeric_limits<int>::min()) ||
-            !(number <= std::numeric_limits<int>::max()))
-            continue;
-        const int integer = static_cast<int>(number);
-        if (integer == number)
+        const int integer = value.toInt(&isNumber);
+        if (isNumber && QVariant(integer) == value)
             set.insert(integer);
     }
     return set;

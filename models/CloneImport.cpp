@@ -2,14 +2,13 @@
 
 #include <QJsonObject>
 #include <QStringList>
-#include <QVector>
 
-QJsonArray CloneImport::parse(const QString& text, const QString& profile)
+QJsonArray cloneimport::parse(const QString& text, const QString& profile)
 {
     QJsonArray clones;
-    const QVector<QStringRef> lines = text.splitRef(QLatin1Char('\n'));
-    for (const QStringRef& line : lines) {
-        const QStringList fields = line.toString().simplified().split(QLatin1Char('|'));
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (const QString& line : lines) {
+        const QStringList fields = line.simplified().split(QLatin1Char('|'));
         if (fields.size() < 2)
             continue;
         QJsonObject clone{{QStringLiteral("uid"), fields[0]},

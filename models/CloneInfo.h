@@ -34,7 +34,7 @@ class CloneInfo : public QObject
 
 public:
     /// A clone as one element of the service's list describes it; keys that are missing leave the defaults.
-    explicit CloneInfo(const QVariantMap& record, int place = 0, QObject* parent = nullptr);
+    explicit CloneInfo(const QVariantMap& record, int place, QObject* parent = nullptr);
 
     /// Where the clone stands in the full list, from 0: what a row shows while others are filtered away.
     int place() const { return m_place; }

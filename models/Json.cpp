@@ -14,8 +14,6 @@ QString json::text(const QVariant& value)
         return value.toString();
     case QMetaType::Double: {
         const double number = value.toDouble();
-        if (!std::isfinite(number))
-            return {};
         // Never "1e+06": a version or an id that came as a number stays readable.
         if (number == std::trunc(number))
             return QString::number(number, 'f', 0);

