@@ -11,7 +11,22 @@
 #include <QSettings>
 #include <QThreadPool>
 
+#include <atomic>
+
+// Where Qt tells tools of every object that comes and goes, on any thread.
+extern quintptr Q_CORE_EXPORT qtHookData[];
+
 namespace {
+
+std::atomic<int> objectBalance{0};
+
+void countObjects()
+{
+    constexpr int addObject = 3;
+    constexpr int removeObject = 4;
+    qtHookData[addObject] = reinterpret_cast<quintptr>(+[](QObject*) { ++objectBalance; });
+    qtHookData[removeObject] = reinterpret_cast<quintptr>(+[](QObject*) { --objectBalance; });
+}
 
 devservice::Options sampleSizes()
 {
@@ -44,6 +59,7 @@ devservice::Fault faultOf(const QString& name)
 
 TestService::TestService(QObject* parent) : QObject(parent), m_fixture(sampleSizes())
 {
+    countObjects();
     m_sampleFarm = m_fixture->farm();
 }
 
@@ -134,6 +150,11 @@ void TestService::settle()
 {
     QThreadPool::globalInstance()->waitForDone(5000);
     QCoreApplication::sendPostedEvents();
+}
+
+int TestService::objectBalance() const
+{
+    return ::objectBalance;
 }
 
 QString TestService::clipboardText() const

@@ -57,6 +57,9 @@ public:
     Q_INVOKABLE void settle();
     /// Warnings of the QML engine since reset().
     Q_INVOKABLE QStringList warnings() const { return m_warnings; }
+    /// Objects made since the start of the run less those that are gone, of the scene, the model and all
+    /// else.
+    Q_INVOKABLE int objectBalance() const;
     Q_INVOKABLE QString clipboardText() const;
     Q_INVOKABLE QString storedToken() const;
 
