@@ -29,9 +29,10 @@ ListView {
         }
     }
 
-    // The keyboard needs a row to start from.
+    // The keyboard needs a row to start from; a control within a row brings its own.
     onActiveFocusChanged: {
-        if (activeFocus && currentIndex < 0 && count > 0)
+        const item = Window.activeFocusItem
+        if (activeFocus && currentIndex < 0 && count > 0 && (item === root || item.parent === contentItem))
             currentIndex = 0
     }
     onDragEnded: {

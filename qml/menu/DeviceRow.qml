@@ -219,6 +219,8 @@ FocusScope {
         Cell {
             objectName: "lastGettingJobs"
             text: Format.line(modelData.lastGettingJobs)
+            fontSizeMode: Text.HorizontalFit
+            minimumPointSize: 7
         }
     }
 
