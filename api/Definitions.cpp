@@ -76,12 +76,15 @@ bool VelstrandAPI::getDefinition(const QString& token, int version) const
     toolkit::BinaryData archive;
     response->GetBodyBd(&archive);
     toolkit::ZipArchive zip;
-    zip.OpenBd(archive);
     zip.SetPassword(kDefinitionsPassword);
-    const auto entry = zip.GetEntryByIndex(0);
-    const auto text = entry ? entry->UnzipToString(kKeepLineEndings, "utf-8") : std::nullopt;
-    if (!text) {
+    const auto entry = zip.OpenBd(archive) ? zip.GetEntryByIndex(0) : nullptr;
+    if (!entry) {
         LOG_D << QString::fromStdString(zip.LastErrorText());
+        return false;
+    }
+    const auto text = entry->UnzipToString(kKeepLineEndings, "utf-8");
+    if (!text) {
+        LOG_D << "The definitions are not UTF-8 text";
         return false;
     }
     LOG_D << "fileContents: " << QString::fromStdString(*text);

@@ -3,10 +3,12 @@
 #include "api/NativePath.h"
 #include "api/VelstrandAPI.h"
 #include "logging/Log.h"
+#include "toolkit/FreshFile.h"
 #include "toolkit/ZipArchive.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QProcess>
 
 namespace fs = std::filesystem;
@@ -15,14 +17,6 @@ namespace {
 
 const fs::path kExecutable = "Velstrand.exe";
 const fs::path kParked = "temp.dat";
-
-/// True when nothing is left at @p path, whatever was there. Links are removed, never followed.
-bool removeAll(const fs::path& path)
-{
-    std::error_code error;
-    fs::remove_all(path, error);
-    return !error;
-}
 
 const char* outcome(bool done)
 {
@@ -44,7 +38,7 @@ bool parkExecutable()
 bool placeExecutable(const fs::path& unpacked)
 {
     std::error_code error;
-    if (!fs::is_regular_file(fs::symlink_status(unpacked, error)))
+    if (toolkit::IsLink(unpacked) || !fs::is_regular_file(unpacked, error))
         return false;
     fs::rename(unpacked, kExecutable, error);
     if (!error)
@@ -57,54 +51,54 @@ bool placeExecutable(const fs::path& unpacked)
     if (!error)
         fs::rename(partial, kExecutable, error);
     if (error)
-        removeAll(partial);
+        toolkit::RemoveAll(partial);
     return !error;
 }
 
 } // namespace
 
-void installNewVersion(const VelstrandAPI& api, int version, const QString& url)
+bool installNewVersion(const VelstrandAPI& api, uint version, const QString& url)
 {
     LOG_D << "new version: " << version << " path: " << url;
 
     const QString folder = QDir::currentPath() + QStringLiteral("/tmp");
     if (!QDir(folder).exists() && !QDir().mkdir(folder)) {
         LOG_D << "Create tmp folder failed!";
-        return;
+        return false;
     }
     const QString archive = folder + QStringLiteral("/velstrand_%1.zip").arg(version);
     const QString unpacked = folder + QStringLiteral("/velstrand");
     const QString newExecutable = unpacked + QStringLiteral("/Velstrand.exe");
 
     // An attempt that was broken off may have left anything under these names.
-    removeAll(nativePath(archive));
-    removeAll(nativePath(unpacked));
+    toolkit::RemoveAll(nativePath(archive));
+    toolkit::RemoveAll(nativePath(unpacked));
 
     if (!api.downloadFile(url, archive))
-        return;
+        return false;
     LOG_D << "Download new version successful!";
 
     toolkit::ZipArchive zip;
     if (!zip.OpenZip(nativePath(archive)) || zip.Unzip(nativePath(folder)) < 0) {
         LOG_D << QString::fromStdString(zip.LastErrorText());
-        return;
+        return false;
     }
     QMessageLogger().debug() << "[D][" << __func__ << "]Unzip success!";
 
-    std::error_code error;
-    if (fs::exists(fs::symlink_status(nativePath(newExecutable), error))) {
+    if (QFileInfo::exists(newExecutable)) {
         if (!parkExecutable())
             LOG_D << newExecutable << " don't exist";
         else if (!placeExecutable(nativePath(newExecutable)))
             LOG_D << "Copy new bin failed!";
     }
 
-    LOG_D << "delete " << unpacked << " : " << outcome(removeAll(nativePath(unpacked)));
+    LOG_D << "delete " << unpacked << " : " << outcome(toolkit::RemoveAll(nativePath(unpacked)));
     zip.CloseZip();
-    LOG_D << "delete " << archive << " : " << outcome(removeAll(nativePath(archive)));
+    LOG_D << "delete " << archive << " : " << outcome(toolkit::RemoveAll(nativePath(archive)));
 
     const QString executable = QDir::current().absoluteFilePath(QStringLiteral("Velstrand.exe"));
     QProcess::startDetached(executable, QStringList(), QDir::currentPath());
     // The event loop belongs to another thread: asked through its queue, not touched.
     QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
+    return true;
 }

@@ -42,7 +42,9 @@ bool takeObject(const ApiResponse& response, QJsonObject* object)
 
 VelstrandAPI::VelstrandAPI(QObject* parent) : APIBase(parent)
 {
-    QString origin = qEnvironmentVariable("VELSTRAND_SERVICE_URL", QStringLiteral(VELSTRAND_SERVICE_URL));
+    QString origin = qEnvironmentVariable("VELSTRAND_SERVICE_URL");
+    if (origin.isEmpty())
+        origin = QStringLiteral(VELSTRAND_SERVICE_URL);
     while (origin.endsWith(QLatin1Char('/')))
         origin.chop(1);
     setBaseUrl(origin);

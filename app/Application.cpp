@@ -21,6 +21,7 @@
 namespace {
 
 constexpr int kVersionCheckIntervalMs = 10000;
+constexpr int kJobsAtOnce = 16;
 const QString kTokenKey = QStringLiteral("user_token");
 
 /// Whether a version check is under way. Set by the UI thread, cleared by the check's worker as its last
@@ -65,10 +66,13 @@ Application::Application(QObject* parent) : QObject(parent), m_outlet(std::make_
     connect(this, &Application::getCloneListDone, this, &Application::onGetCloneListDone);
     connect(this, &Application::getGlobalConfig, this, &Application::onGetGlobalConfig);
 
-    auto* const timer = new QTimer(this);
-    timer->setInterval(kVersionCheckIntervalMs);
-    connect(timer, &QTimer::timeout, this, &Application::checkVersion);
-    timer->start();
+    // Jobs wait for the network, not for a processor: a long download must not keep the lists waiting.
+    QThreadPool::globalInstance()->setMaxThreadCount(kJobsAtOnce);
+
+    m_versionTimer = new QTimer(this);
+    m_versionTimer->setInterval(kVersionCheckIntervalMs);
+    connect(m_versionTimer, &QTimer::timeout, this, &Application::checkVersion);
+    m_versionTimer->start();
 }
 
 Application::~Application()
@@ -105,12 +109,21 @@ void Application::loadAllCachedUsers()
 
 void Application::checkUser()
 {
-    start([](const Job& job) {
+    // The validation popup asks again and again; while the service hangs, one question at a time is enough.
+    const UserInfo* const user = AppModel::instance()->userInfo();
+    if (!user->isValidated() && m_checkedToken == user->token())
+        return;
+    m_checkedToken = user->token();
+    start([checked = user->token()](const Job& job) {
         const QString token = job.token();
         QJsonObject userInfo;
-        if (job.api->getUserInfo(token, &userInfo))
-            deliverFor(token, job,
-                       [userInfo](Application* app) { emit app->getUserInfo(QVariant(userInfo)); });
+        const bool answered = job.api->getUserInfo(token, &userInfo);
+        job.outlet->deliver([checked, token, answered, userInfo](Application* app) {
+            if (app->m_checkedToken == checked)
+                app->m_checkedToken.reset();
+            if (answered && currentToken() == token)
+                emit app->getUserInfo(QVariant(userInfo));
+        });
     });
 }
 
@@ -121,6 +134,7 @@ void Application::onGetUserInfo(const QVariant& userInfo)
     UserInfo* const user = AppModel::instance()->userInfo();
     if (!user)
         return;
+    const bool entering = !user->isValidated();
     if (!user->applyInfo(answer))
         return;
     m_settings->setValue(kTokenKey, user->token());
@@ -130,8 +144,9 @@ void Application::onGetUserInfo(const QVariant& userInfo)
         // Nobody sees the farm of the account that was signed in before.
         m_farmOwner = user->token();
         AppModel::instance()->clearFarm();
-        getDeviceList();
     }
+    if (entering)
+        getDeviceList();
 }
 
 // Devices
@@ -257,7 +272,8 @@ void Application::selectAllClone(bool selected)
 
 void Application::copyUIDsSelectedClones()
 {
-    m_appIO->sendToClibboard(AppModel::instance()->selectedUids());
+    if (m_appIO)
+        m_appIO->sendToClibboard(AppModel::instance()->selectedUids());
 }
 
 void Application::updateFilteredClone(QVariantMap filters)
@@ -359,8 +375,11 @@ void Application::checkVersion()
             GlobalConfig config;
             config.fromJson(QJsonDocument::fromJson(text.toUtf8()).object());
             const uint version = config.vsManagerAppVersion().toUInt();
-            if (version > uint(kBuildNumber))
-                installNewVersion(*job.api, int(version), config.vsManagerAppPath());
+            const bool restarts = version > uint(kBuildNumber) &&
+                                  installNewVersion(*job.api, version, config.vsManagerAppPath());
+            // The process is about to end; no further check may begin.
+            if (restarts)
+                job.outlet->deliver([](Application* app) { app->m_versionTimer->stop(); });
         }
     });
     versionCheckBusy = true;

@@ -7,10 +7,12 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class AppIO;
 class JobOutlet;
 class QSettings;
+class QTimer;
 struct Job;
 
 /// The controller: what the scene asks for is carried out through the service, and the outcome arrives in the
@@ -95,6 +97,9 @@ private:
 
     std::unique_ptr<QSettings> m_settings;
     AppIO* m_appIO = nullptr;
+    QTimer* m_versionTimer = nullptr;
+    /// The token that a check under way is about.
+    std::optional<QString> m_checkedToken;
     /// Token of the account whose farm the model holds; empty before the first sign-in.
     QString m_farmOwner;
     std::shared_ptr<JobOutlet> m_outlet;

@@ -66,6 +66,11 @@ public:
     void send(const Answer& answer, bool cut, bool acceptsGzip, httplib::Response& response) const;
     Answer downloadOrRefusal(const httplib::Request& request) const;
     QString origin() const { return QStringLiteral("https://localhost:%1").arg(port); }
+    Fault faultOf(const QString& path) const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return faults.value(path, Fault::None);
+    }
 
     const Options options;
     const int version;
@@ -210,7 +215,8 @@ void DevService::Impl::serve(const httplib::Request& request, httplib::Response&
     }
 
     if (fault == Fault::Hang) {
-        connection.waitForEnd();
+        while (faultOf(kept.path) == Fault::Hang && connection.pause(20)) {
+        }
         connection.drop();
         return;
     }

@@ -33,7 +33,7 @@ struct Options {
 /// What the service does wrong for one path, until told otherwise.
 enum class Fault {
     None,
-    /// Accepts the request and does not answer as long as the service runs.
+    /// Accepts the request and does not answer; breaks off when the fault is lifted.
     Hang,
     /// Announces more bytes than it sends, then closes the connection.
     Cut,

@@ -80,11 +80,6 @@ bool Connection::pause(int ms) const
     return !waitFor(m_socket, POLLRDHUP, ms);
 }
 
-void Connection::waitForEnd() const
-{
-    waitFor(m_socket, POLLIN | POLLRDHUP, -1);
-}
-
 bool Connection::waitForRequest(int timeoutMs) const
 {
     return m_bufferPosition < m_buffer.size() || SSL_pending(m_ssl) > 0 ||

@@ -32,8 +32,6 @@ public:
     bool isDropped() const { return m_dropped; }
     /// Waits so many milliseconds; false at once when the connection ends.
     bool pause(int ms) const;
-    /// Waits until the client goes away or the server stops.
-    void waitForEnd() const;
     /// Waits for the first byte of a request; false when none comes in time.
     bool waitForRequest(int timeoutMs) const;
 

@@ -11,7 +11,5 @@ inline QDebug logLine(const char* operation, int line)
     return QMessageLogger().debug() << "[D][" << operation << "][" << line << "]";
 }
 
-/// A log line in the name of the function that it stands in. In a lambda name the operation:
-/// LOG_AS("checkUser") << ...
+/// A log line in the name of the function that it stands in.
 #define LOG_D logLine(__func__, __LINE__)
-#define LOG_AS(operation) logLine(operation, __LINE__)

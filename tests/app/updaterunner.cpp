@@ -23,7 +23,7 @@ int main(int argc, char* argv[])
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     QtConcurrent::run([&] {
-        installNewVersion(VelstrandAPI(), arguments.value(1).toInt(), arguments.value(2));
+        installNewVersion(VelstrandAPI(), arguments.value(1).toUInt(), arguments.value(2));
         QThread::msleep(300); // a restart ends the event loop before
         QMetaObject::invokeMethod(
             &application, [] { QCoreApplication::exit(3); }, Qt::QueuedConnection);
