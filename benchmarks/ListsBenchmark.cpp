@@ -7,6 +7,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
+
 // The clone list at the size of a large farm, each step beside the least that it could cost.
 
 namespace {
@@ -101,6 +103,19 @@ void deleteClones(benchmark::State& state)
     }
 }
 
+// Floor of deleting: as many empty objects.
+void deleteObjects(benchmark::State& state)
+{
+    for (auto _ : state) {
+        state.PauseTiming();
+        auto holder = std::make_unique<QObject>();
+        for (int i = 0; i < kClones; ++i)
+            new QObject(holder.get());
+        state.ResumeTiming();
+        holder.reset();
+    }
+}
+
 // Floor of filtering: a set of the pasted uids, and one look-up a clone.
 void lookUpUids(benchmark::State& state)
 {
@@ -132,6 +147,19 @@ void filterClones(benchmark::State& state)
     }
 }
 
+// Floor of ticking: look at every clone once.
+void walkClones(benchmark::State& state)
+{
+    AppModel model;
+    model.setClones(records());
+    for (auto _ : state) {
+        int shown = 0;
+        for (const CloneInfo* clone : model.clones())
+            shown += clone->filtered();
+        benchmark::DoNotOptimize(shown);
+    }
+}
+
 void selectAllClones(benchmark::State& state)
 {
     AppModel model;
@@ -139,6 +167,20 @@ void selectAllClones(benchmark::State& state)
     bool selected = false;
     for (auto _ : state)
         model.selectAllClones(selected = !selected);
+}
+
+// Floor of counting: one step in a hash for each clone.
+void countDeviceIds(benchmark::State& state)
+{
+    QStringList ids;
+    for (int i = 0; i < kClones; ++i)
+        ids.append(QString("android-%1").arg(i % kDevices));
+    for (auto _ : state) {
+        QHash<QString, int> counts;
+        for (const QString& id : qAsConst(ids))
+            ++counts[id];
+        benchmark::DoNotOptimize(counts.size());
+    }
 }
 
 void setDevicesCountingClones(benchmark::State& state)
@@ -158,10 +200,13 @@ void setDevicesCountingClones(benchmark::State& state)
 
 BENCHMARK(walkRecords)->Unit(benchmark::kMillisecond);
 BENCHMARK(setClones)->Unit(benchmark::kMillisecond);
+BENCHMARK(deleteObjects)->Unit(benchmark::kMillisecond);
 BENCHMARK(deleteClones)->Unit(benchmark::kMillisecond);
 BENCHMARK(lookUpUids)->Unit(benchmark::kMillisecond);
 BENCHMARK(filterClones)->Unit(benchmark::kMillisecond);
+BENCHMARK(walkClones)->Unit(benchmark::kMillisecond);
 BENCHMARK(selectAllClones)->Unit(benchmark::kMillisecond);
+BENCHMARK(countDeviceIds)->Unit(benchmark::kMillisecond);
 BENCHMARK(setDevicesCountingClones)->Unit(benchmark::kMillisecond);
 
 } // namespace
