@@ -60,7 +60,7 @@ void TestCloneInput::filter_data()
     row(R"({"device_id":[""]})", "é");
     row(R"({"status":[1.0,8]})", "11 12 13");
     row(R"({"status":[0]})", "é");
-    row(R"({"status":[1.5]})", "");
+    row(R"({"status":[7.6]})", "");
     row(R"({"status":["live"]})", "");
     row(R"({"farm_profile":["a","b"]})", "11 12 13");
     row(R"({"status":[1],"farm_profile":["b"],"device_id":["d1"]})", "");
