@@ -11,8 +11,9 @@ Button {
 
     Accessible.name: up ? qsTr("Expand") : qsTr("Collapse")
 
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+    Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+    Keys.onReleased: event.accepted = event.isAutoRepeat
 
     onClicked: up = !up
 

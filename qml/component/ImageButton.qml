@@ -9,8 +9,9 @@ Button {
     text: "NoLabel"
     icon.source: source
 
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+    Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+    Keys.onReleased: event.accepted = event.isAutoRepeat
 
     background: Rectangle {
         implicitWidth: 100

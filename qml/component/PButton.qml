@@ -6,8 +6,10 @@ Button {
 
     text: "NoLabel"
 
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
+    // A key that is held down presses once, also by Space, which clicks when it is released.
+    Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+    Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+    Keys.onReleased: event.accepted = event.isAutoRepeat
 
     background: Rectangle {
         implicitWidth: 100

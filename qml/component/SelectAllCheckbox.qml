@@ -5,6 +5,10 @@ Rectangle {
 
     property bool checked: false
 
+    function toggle() {
+        checked = !checked
+    }
+
     width: label.width + icon.width + 30
     color: "transparent"
     border.color: "#26282a"
@@ -16,12 +20,12 @@ Rectangle {
     Accessible.name: label.text
     Accessible.checkable: true
     Accessible.checked: checked
-    Accessible.onToggleAction: checked = !checked
-    Accessible.onPressAction: checked = !checked
+    Accessible.onToggleAction: toggle()
+    Accessible.onPressAction: toggle()
 
-    Keys.onSpacePressed: checked = !checked
-    Keys.onReturnPressed: checked = !checked
-    Keys.onEnterPressed: checked = !checked
+    Keys.onSpacePressed: if (!event.isAutoRepeat) toggle()
+    Keys.onReturnPressed: if (!event.isAutoRepeat) toggle()
+    Keys.onEnterPressed: if (!event.isAutoRepeat) toggle()
 
     Image {
         id: icon
@@ -52,6 +56,9 @@ Rectangle {
         id: mouseArea
 
         anchors.fill: parent
-        onClicked: root.checked = !root.checked
+        onClicked: {
+            root.forceActiveFocus(Qt.MouseFocusReason)
+            root.toggle()
+        }
     }
 }
