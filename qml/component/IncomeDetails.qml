@@ -11,7 +11,7 @@ Rectangle {
 
     function show() {
         incomeDetails.height = Qt.binding(() => incomeDetails.parent.height)
-        closeButton.forceActiveFocus(Qt.OtherFocusReason)
+        closeButton.forceActiveFocus(Qt.TabFocusReason)
     }
 
     function hide() {
@@ -52,8 +52,9 @@ Rectangle {
 
         Accessible.name: qsTr("Close")
 
-        Keys.onReturnPressed: clicked()
-        Keys.onEnterPressed: clicked()
+        Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+        Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+        Keys.onReleased: event.accepted = event.isAutoRepeat
 
         onClicked: incomeDetails.hide()
 
@@ -79,7 +80,6 @@ Rectangle {
         anchors.right: parent.right
         anchors.margins: 5
         clip: true
-        spacing: 4
         currentIndex: -1
         model: Format.entries(incomeDetails.model)
 
@@ -94,7 +94,7 @@ Rectangle {
             color: "#e6f2ff"
 
             Accessible.role: Accessible.ListItem
-            Accessible.name: device.text
+            Accessible.name: device.text + ", " + income.text
 
             Row {
                 anchors.left: parent.left
@@ -123,6 +123,8 @@ Rectangle {
                 }
 
                 Text {
+                    id: income
+
                     objectName: "income"
                     width: 200
                     height: parent.height

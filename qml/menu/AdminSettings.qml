@@ -117,7 +117,7 @@ Item {
         visible: false
         onVisibleChanged: {
             if (!visible)
-                uploadButton.forceActiveFocus()
+                uploadButton.forceActiveFocus(Qt.TabFocusReason)
         }
     }
 }

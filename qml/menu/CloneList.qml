@@ -59,8 +59,8 @@ Item {
 
     Connections {
         target: AppIO
-        // Over the page, these keys are the popup's own.
-        enabled: !popup.visible
+        // Over the page, these keys belong to the popup or to the window's overlays.
+        enabled: !popup.visible && AppModel.userInfo.isValidated
 
         function onKeyboardSelectAll() {
             AppManager.selectAllClone(true)
@@ -217,5 +217,9 @@ Item {
         objectName: "inputClonesPopup"
         anchors.fill: parent
         visible: false
+        onVisibleChanged: {
+            if (!visible)
+                list.forceActiveFocus(Qt.TabFocusReason)
+        }
     }
 }

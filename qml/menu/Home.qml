@@ -2,8 +2,6 @@ import QtQuick 2.15
 import ".."
 
 Item {
-    id: page
-
     objectName: "homePage"
 
     Image {

@@ -8,12 +8,17 @@ PListView {
         return parent ? parent.width - 20 : 0
     }
 
+    function focusCurrentRow() {
+        (currentItem || page).forceActiveFocus(Qt.TabFocusReason)
+    }
+
     objectName: "reportsPage"
     width: slimWidth()
     anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
     clip: true
     spacing: 10
     currentIndex: -1
+    activeFocusOnTab: !incomeDetails.visible
     interactive: !incomeDetails.visible
     model: AppModel.reportList
 
@@ -34,6 +39,7 @@ PListView {
     Component.onCompleted: AppManager.getReports()
 
     delegate: ReportRow {
+        enabled: !incomeDetails.visible
         onDetailsRequested: {
             incomeDetails.model = modelData.details
             incomeDetails.show()
@@ -46,5 +52,10 @@ PListView {
         objectName: "incomeDetails"
         parent: page
         z: 2
+        // The rows under the panel are enabled again a moment later.
+        onVisibleChanged: {
+            if (!visible && page.activeFocus)
+                Qt.callLater(page.focusCurrentRow)
+        }
     }
 }

@@ -46,8 +46,6 @@ FocusScope {
                 model: ["none", "facebook", "tiktok"]
 
                 Accessible.name: qsTr("Select network: ")
-
-                KeyNavigation.backtab: addButton
             }
 
             Item {
@@ -108,9 +106,9 @@ FocusScope {
                     Accessible.name: placeholderText
 
                     // The tabulator leads on, it is no part of a clone.
-                    KeyNavigation.priority: KeyNavigation.BeforeItem
-                    KeyNavigation.tab: addButton.enabled ? addButton : networkBox
-                    KeyNavigation.backtab: profileBox
+                    Keys.priority: Keys.BeforeItem
+                    Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+                    Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                 }
             }
         }
@@ -121,14 +119,12 @@ FocusScope {
         }
 
         PButton {
-            id: addButton
-
             objectName: "addButton"
             anchors.horizontalCenter: parent.horizontalCenter
             width: 80
             height: 50
             text: qsTr("Add")
-            enabled: clonesField.length > 0 && networkBox.currentText !== "none"
+            enabled: root.visible && clonesField.length > 0 && networkBox.currentText !== "none"
             onClicked: {
                 AppManager.addClone(clonesField.text, networkBox.currentText, profileBox.currentText)
                 root.visible = false

@@ -3,8 +3,6 @@ import QtQuick.Controls 2.15
 import "../component"
 
 FocusScope {
-    id: root
-
     // The old token is selected, so that what is typed or pasted replaces it.
     onVisibleChanged: {
         if (visible) {

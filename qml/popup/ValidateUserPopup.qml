@@ -44,19 +44,25 @@ FocusScope {
         anchors.top: busyIndicator.bottom
         anchors.topMargin: 20
         anchors.horizontalCenter: parent.horizontalCenter
-        visible: root.visible && offered
-        focus: visible
+        visible: offered
         text: qsTr("Use another token")
 
         KeyNavigation.tab: otherTokenButton
         KeyNavigation.backtab: otherTokenButton
 
+        onVisibleChanged: {
+            if (visible && root.activeFocus)
+                forceActiveFocus(Qt.TabFocusReason)
+            else
+                focus = visible
+        }
         onClicked: AppModel.userInfo.token = ""
     }
 
     // A request that failed is not announced, so it is tried again; and a token that never gets an answer can be
     // left behind.
     Timer {
+        objectName: "retryTimer"
         interval: 10000
         running: root.visible
         repeat: true
@@ -64,6 +70,7 @@ FocusScope {
     }
 
     Timer {
+        objectName: "offerTimer"
         interval: 5000
         running: root.visible
         onTriggered: otherTokenButton.offered = true
