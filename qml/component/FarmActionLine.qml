@@ -38,40 +38,39 @@ FocusScope {
         onClicked: line.forceActiveFocus(Qt.MouseFocusReason)
     }
 
-    // A long name reaches into the room before the check box instead of scrolling.
+    // A long name reaches into the room before the check box, and scrolls in that.
     TextInput {
         id: nameField
 
         objectName: "actionName"
         x: 10
-        width: 100
+        width: Math.max(100, Math.min(contentWidth + 2, 280))
         height: parent.height
         verticalAlignment: TextInput.AlignVCenter
         activeFocusOnTab: true
-        autoScroll: false
+        clip: true
+        maximumLength: 1000
         selectByMouse: true
         text: modelData.actionName
 
         Accessible.role: Accessible.EditableText
         Accessible.name: qsTr("Action name")
+    }
 
-        FocusFrame {
-            anchors.fill: null
-            y: 10
-            x: -6
-            width: Math.max(parent.width, parent.contentWidth) + 12
-            height: 30
-            border.width: 1
-            visible: nameField.activeFocus
-        }
+    FocusFrame {
+        anchors.fill: nameField
+        anchors.margins: -6
+        anchors.topMargin: 10
+        anchors.bottomMargin: 10
+        border.width: 1
+        visible: nameField.activeFocus
     }
 
     SquareCheckBox {
         id: enableBox
 
         objectName: "enable"
-        anchors.left: nameField.right
-        anchors.leftMargin: 200
+        x: 310
         anchors.verticalCenter: parent.verticalCenter
         checked: modelData.enable
 

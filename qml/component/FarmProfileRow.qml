@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import QtQuick.Window 2.15
 
 /// A profile of the farm profile editor: its name, and its actions once it has been opened.
 FocusScope {
@@ -51,6 +52,11 @@ FocusScope {
         onClicked: {
             row.forceActiveFocus(Qt.MouseFocusReason)
             row.expand()
+        }
+
+        FocusFrame {
+            objectName: "rowFrame"
+            visible: row.Window.activeFocusItem === row
         }
     }
 

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import QtQuick.Window 2.15
 
 Item {
     id: page
@@ -90,6 +91,11 @@ Item {
 
         ScrollBar.vertical: ScrollBar {}
 
+        // The keyboard needs a row to start from.
+        onActiveFocusChanged: {
+            if (activeFocus && currentIndex < 0 && count > 0)
+                currentIndex = 0
+        }
         onCurrentItemChanged: {
             if (currentItem && activeFocus)
                 reveal(currentItem.head)
@@ -101,6 +107,12 @@ Item {
             objectName: "emptyNote"
             view: list
             text: qsTr("No farm profiles")
+        }
+
+        FocusFrame {
+            parent: list
+            border.width: 1
+            visible: list.Window.activeFocusItem === list
         }
     }
 }
