@@ -54,9 +54,9 @@ function version(text) {
     return value <= INT_MAX ? value : 0
 }
 
-/// The path of a file URL; on Windows without the slash before the drive letter.
+/// The path of a file URL; on Windows without the slash before the drive letter, and with a share's host.
 function localPath(url) {
-    let path = String(url).replace("file://", "")
+    let path = String(url).replace(/^file:(\/\/(?=\/))?/, "")
     try {
         path = decodeURIComponent(path)
     } catch (error) {

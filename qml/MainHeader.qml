@@ -1,17 +1,13 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import "component"
+import "Format.js" as Format
 
 Item {
     id: root
 
     readonly property real iconWidth: logo.paintedWidth
-    readonly property string fullName: oneLine(AppModel.userInfo.fullName)
-
-    /// What the service sends, made fit for a label: one line of bounded length.
-    function oneLine(text) {
-        return text.substring(0, 200).replace(/[\x00-\x1f\x7f\x85\u2028\u2029]+/g, " ")
-    }
+    readonly property string fullName: Format.line(AppModel.userInfo.fullName)
 
     Image {
         id: logo
@@ -38,8 +34,9 @@ Item {
         Accessible.role: Accessible.Button
         Accessible.name: qsTr("Account: %1").arg(root.fullName)
 
-        Keys.onReturnPressed: clicked()
-        Keys.onEnterPressed: clicked()
+        Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+        Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+        Keys.onReleased: event.accepted = event.isAutoRepeat
         Keys.onEscapePressed: accountPanel.hidden = true
 
         onClicked: accountPanel.hidden = !accountPanel.hidden
@@ -168,7 +165,7 @@ Item {
                 elide: Text.ElideRight
                 elideWidth: currentText.width
                 font: currentText.font
-                text: root.oneLine(AppModel.userInfo.token)
+                text: Format.line(AppModel.userInfo.token)
             }
 
             Rectangle {
@@ -201,8 +198,9 @@ Item {
             Accessible.role: Accessible.Button
             Accessible.name: text
 
-            Keys.onReturnPressed: clicked()
-            Keys.onEnterPressed: clicked()
+            Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
+            Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
+            Keys.onReleased: event.accepted = event.isAutoRepeat
 
             onClicked: {
                 AppModel.userInfo.token = ""

@@ -27,8 +27,10 @@ FocusScope {
         let next = index + step
         while (next >= 0 && next < list.count && !menuModel[next].visible)
             next += step
-        if (next >= 0 && next < list.count)
-            list.itemAtIndex(next).forceActiveFocus(Qt.TabFocusReason)
+        if (next < 0 || next >= list.count)
+            return
+        list.positionViewAtIndex(next, ListView.Contain)
+        list.itemAtIndex(next).forceActiveFocus(Qt.TabFocusReason)
     }
 
     // An ordinary user who signs in on the administrator's page must not stay there.
@@ -84,6 +86,10 @@ FocusScope {
             Keys.onUpPressed: root.stepFocus(index, -1)
             Keys.onDownPressed: root.stepFocus(index, 1)
 
+            onVisualFocusChanged: {
+                if (visualFocus)
+                    list.positionViewAtIndex(index, ListView.Contain)
+            }
             onClicked: list.currentIndex = index
 
             contentItem: Text {

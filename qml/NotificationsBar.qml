@@ -13,6 +13,7 @@ Item {
     y: shown ? 0 : -height
 
     Accessible.role: Accessible.AlertMessage
+    Accessible.ignored: !shown
     Accessible.name: message.text
 
     Behavior on y {

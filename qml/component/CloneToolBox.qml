@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import "../Format.js" as Format
 
 Rectangle {
     id: root
@@ -134,9 +135,8 @@ Rectangle {
                 contentItem: Text {
                     leftPadding: 5
                     verticalAlignment: Text.AlignVCenter
-                    text: profileBox.displayText.substring(0, 200)
+                    text: Format.line(profileBox.displayText)
                     textFormat: Text.PlainText
-                    maximumLineCount: 1
                     elide: Text.ElideRight
                 }
 

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import "../Format.js" as Format
 
 /// A row of a combo box list that shows its text as it is: no markup, no mnemonics, one line.
 ItemDelegate {
@@ -11,9 +12,8 @@ ItemDelegate {
 
     contentItem: Text {
         verticalAlignment: Text.AlignVCenter
-        text: root.text.substring(0, 200)
+        text: Format.line(root.text)
         textFormat: Text.PlainText
-        maximumLineCount: 1
         elide: Text.ElideRight
         color: root.textColor
     }

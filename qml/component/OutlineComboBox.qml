@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Window 2.15
+import "../Format.js" as Format
 
 ComboBox {
     id: root
@@ -44,9 +45,8 @@ ComboBox {
     contentItem: Text {
         rightPadding: root.indicator.width + root.spacing
         verticalAlignment: Text.AlignVCenter
-        text: root.displayText.substring(0, 200)
+        text: Format.line(root.displayText)
         textFormat: Text.PlainText
-        maximumLineCount: 1
         elide: Text.ElideRight
         color: root.pressed ? "#17a81a" : "#4d94ff"
     }
