@@ -6,10 +6,12 @@
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QJsonDocument>
+#include <QKeyEvent>
 #include <QQmlEngine>
 #include <QQmlError>
 #include <QSettings>
 #include <QThreadPool>
+#include <QWindow>
 
 #include <atomic>
 
@@ -155,6 +157,18 @@ void TestService::settle()
 int TestService::objectBalance() const
 {
     return ::objectBalance;
+}
+
+void TestService::holdKey(int key)
+{
+    QWindow* const window = QGuiApplication::focusWindow();
+    for (const bool repeated : {false, true, true}) {
+        for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+            QKeyEvent event(type, key, Qt::NoModifier, QString(), repeated);
+            if (repeated || type == QEvent::KeyPress)
+                QCoreApplication::sendEvent(window, &event);
+        }
+    }
 }
 
 QString TestService::clipboardText() const

@@ -50,8 +50,8 @@ public:
     /// The bodies that came for @p path since clearRequests(), as objects, oldest first.
     Q_INVOKABLE QVariantList requestBodies(const QString& path);
 
-    /// Back to the first minute: the sample farm without faults, nobody signed in, an empty model, no
-    /// stored token, no clipboard, no warnings.
+    /// Back to the first minute: the sample farm without faults, nobody signed in, no farm and no
+    /// configuration in the model, no stored token, no clipboard, no warnings.
     Q_INVOKABLE void reset();
     /// Waits for the jobs that are under way and for what they have delivered.
     Q_INVOKABLE void settle();
@@ -60,6 +60,8 @@ public:
     /// Objects made since the start of the run less those that are gone, of the scene, the model and all
     /// else.
     Q_INVOKABLE int objectBalance() const;
+    /// What the window that has the keyboard gets while @p key is held down: a press, then repeats.
+    Q_INVOKABLE void holdKey(int key);
     Q_INVOKABLE QString clipboardText() const;
     Q_INVOKABLE QString storedToken() const;
 

@@ -39,7 +39,8 @@ TestCase {
     }
 
     function test_windowIsAsAnnounced() {
-        compare(window.title, "Velstrand Manager v" + AppManager.appVersion)
+        verify(/^Velstrand Manager v[0-9]+$/.test(window.title), window.title)
+        compare(window.title.match(/[0-9]+$/)[0], String(AppManager.appVersion))
         compare([window.width, window.height], [1280, 720])
         const names = window.contentItem.children
         let order = []
@@ -97,20 +98,19 @@ TestCase {
     }
 
     function test_emptyTokenStays() {
+        Service.clearRequests()
         keyClick(Qt.Key_Return)
+        Service.settle()
+        compare(Service.requestBodies("/api/v1/user/get-info"), [{ token: "" }])
         verify(find("inputUserTokenPopup").visible)
     }
 
-    // The timers keep their order and are run faster.
+    // The timers are run faster.
     function test_validationIsNoTrap() {
         Service.setFault("/api/v1/user/get-info", "HttpError")
         const popup = find("validateUserPopup")
         const button = find("otherTokenButton")
-        const timers = []
-        for (let i = 0; i < popup.data.length; ++i) {
-            if (popup.data[i].interval !== undefined)
-                timers.push(popup.data[i])
-        }
+        const timers = ["retryTimer", "offerTimer"].map(name => Array.from(popup.data).find(item => item.objectName === name))
         compare(timers.map(timer => timer.interval), [10000, 5000])
         timers[0].interval = 300
         timers[1].interval = 150
@@ -119,8 +119,7 @@ TestCase {
             AppModel.userInfo.token = Service.userToken
             verify(popup.visible && !button.visible)
             tryCompare(button, "visible", true)
-            keyClick(Qt.Key_Tab)
-            tryCompare(button, "activeFocus", true)
+            verify(button.visualFocus)
             keyClick(Qt.Key_Return)
             compare(AppModel.userInfo.token, "")
             verify(find("inputUserTokenPopup").visible && !popup.visible)
@@ -135,10 +134,10 @@ TestCase {
     }
 
     function test_keyboardStaysInTheOverlay() {
-        const tokenPopup = find("inputUserTokenPopup")
         for (const key of [Qt.Key_Tab, Qt.Key_Tab, Qt.Key_Tab, Qt.Key_Backtab, Qt.Key_Backtab]) {
+            const before = window.activeFocusItem.objectName
             keyClick(key)
-            verify(tokenPopup.activeFocus)
+            compare(window.activeFocusItem.objectName, before === "tokenField" ? "continueButton" : "tokenField")
         }
         Service.setFault("/api/v1/user/get-info", "HttpError")
         AppModel.userInfo.token = Service.userToken
@@ -180,6 +179,66 @@ TestCase {
         compare(find("mainMenu").currentIndex, 4)
         keyClick(Qt.Key_Up)
         verify(find("menuRow2").visualFocus)
+    }
+
+    function test_keyboardInALowWindow() {
+        signIn(Service.userToken)
+        window.height = 260
+        const list = find("menuList")
+        tryCompare(list, "height", 150)
+        find("menuRow0").forceActiveFocus(Qt.TabFocusReason)
+        for (let i = 0; i < 6; ++i)
+            keyClick(Qt.Key_Down)
+        compare(list.contentY, 7 * 50 - list.height)
+        keyClick(Qt.Key_Backtab)
+        keyClick(Qt.Key_Backtab)
+        keyClick(Qt.Key_Backtab)
+        compare([window.activeFocusItem.objectName, list.contentY], ["menuRow4", 150])
+    }
+
+    function test_clonesPopupByKeyboard() {
+        signIn(Service.adminToken)
+        mouseClick(find("menuRow2"))
+        const page = find("mainContent").item
+        const popup = find("inputClonesPopup")
+        popup.visible = true
+        const field = find("clonesField")
+        field.text = "1|a|b"
+        find("networkBox").currentIndex = 1
+        // Out of the sheet, past the page under it, and back into the sheet.
+        const around = ["clonesField", "addButton", "userBlock", "menuRow0"]
+        for (let i = 1; i < around.length; ++i) {
+            keyClick(Qt.Key_Tab)
+            compare(window.activeFocusItem.objectName, around[i])
+        }
+        find("networkBox").forceActiveFocus(Qt.TabFocusReason)
+        for (const [key, name] of [[Qt.Key_Tab, "profileBox"], [Qt.Key_Tab, "clonesField"], [Qt.Key_Backtab, "profileBox"],
+                                   [Qt.Key_Tab, "clonesField"], [Qt.Key_Tab, "addButton"]]) {
+            keyClick(key)
+            compare(window.activeFocusItem.objectName, name)
+        }
+        compare(field.text, "1|a|b")
+        keyClick(Qt.Key_Return)
+        verify(!popup.visible)
+        keyClick(Qt.Key_Return)
+        Service.settle()
+        compare(Service.requestBodies("/api/v1/clone/add").length, 1)
+        const left = window.activeFocusItem
+        verify(left !== window.contentItem && left.visible)
+        keyClick(Qt.Key_Tab)
+        verify(window.activeFocusItem !== left)
+    }
+
+    function test_clonePageKeysEndAtTheOverlay() {
+        signIn(Service.adminToken)
+        mouseClick(find("menuRow2"))
+        AppIO.sendToClibboard("kept")
+        AppModel.userInfo.token = ""
+        verify(find("tokenField").activeFocus)
+        keyPress(Qt.Key_Control, Qt.ControlModifier)
+        keyClick(Qt.Key_C)
+        keyRelease(Qt.Key_Control)
+        compare(Service.clipboardText(), "kept")
     }
 
     function test_userTypeLeavesThePage_data() {
@@ -243,7 +302,7 @@ TestCase {
             { tag: "empty", text: "", shown: "" },
             { tag: "markup", text: "<img src='a'><b>x</b>", shown: "<img src='a'><b>x</b>" },
             { tag: "lines", text: "a\r\nb\u2028c\u0000d", shown: "a b c d" },
-            { tag: "megabyte", text: "w".repeat(1 << 20), shown: "w".repeat(200) }
+            { tag: "megabyte", text: "w".repeat(1 << 20), shown: "w".repeat(256) }
         ]
     }
 
