@@ -101,14 +101,9 @@ Item {
 
         function test_selectAllCheckbox() {
             const box = make(selectAll)
-            const icon = Scene.search(box, item => item.source !== undefined)
-            const label = Scene.findText(box, "Select all")
-            compare([icon.width, icon.height, icon.x], [20, 20, 10])
-            compare(box.width, label.width + 20 + 30)
-            compare(String(icon.source), "qrc:/images/un_select_all_icon.png")
+            compare(box.width, Scene.findText(box, "Select all").width + 20 + 30)
             mouseClick(box, 2, 2)
-            verify(box.checked)
-            compare(String(icon.source), "qrc:/images/select_all_icon.png")
+            verify(box.checked && box.activeFocus)
         }
 
         function test_pullToRefresh_data() {
