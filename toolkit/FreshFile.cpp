@@ -25,19 +25,23 @@ bool IsLink(const fs::path& path)
 bool RemoveAll(const fs::path& path)
 {
     std::error_code error;
-    if (IsLink(path))
-        fs::remove(path, error);
-    else
-        fs::remove_all(path, error);
+    // Not remove_all: on Windows it would go through a junction.
+    if (!IsLink(path) && fs::is_directory(path, error)) {
+        for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
+            RemoveAll(entry->path());
+    }
+    error.clear();
+    fs::remove(path, error);
     return !error;
 }
 
 FreshFile::FreshFile(fs::path path) : m_path(std::move(path))
 {
-    const bool free = RemoveAll(m_path);
-    if (free)
+    std::error_code error;
+    fs::remove(m_path, error);
+    if (!error)
         m_stream.open(m_path, std::ios::binary | std::ios::trunc);
-    if (!free || !m_stream)
+    if (error || !m_stream)
         throw std::runtime_error("Cannot create the file " + m_path.u8string());
 }
 

@@ -13,18 +13,20 @@ bool IsLink(const std::filesystem::path& path);
 /// True when nothing is left there.
 bool RemoveAll(const std::filesystem::path& path);
 
-/// A file that is written from its start and is there as a whole or not at all. Whatever lies in its place is
-/// removed first; a link is never followed.
+/// A file that is written from its start and removed again unless it was finished. Only a process that dies
+/// on the way leaves a part of it behind.
 class FreshFile
 {
 public:
-    /// Throws std::runtime_error when the file cannot be created.
+    /// A file or a link that lies there is removed first; the link is not followed. Throws std::runtime_error
+    /// when the file cannot be created, as where a folder with something in it is in the way.
     explicit FreshFile(std::filesystem::path path);
     /// Removes the file unless it was finished.
     ~FreshFile();
     FreshFile(const FreshFile&) = delete;
     FreshFile& operator=(const FreshFile&) = delete;
 
+    /// False when the bytes cannot be written.
     bool Write(std::string_view bytes);
     /// Flushes and closes the file. Throws std::runtime_error when that fails.
     void Finish();

@@ -124,11 +124,12 @@ std::unique_ptr<HttpResponse> HttpClient::SynchronousRequest(const std::string& 
             throw std::runtime_error("Only a POST of multipart/form-data can be sent");
 
         // The request's own headers come last and in their order; the form brings its own content type.
-        HeaderList headers = request.m_headers;
+        HeaderList headers;
         for (const auto& header : m_headers) {
             if (!HasHeader(request.m_headers, header.first) && !EqualNoCase(header.first, "Content-Type"))
-                headers.insert(headers.end() - static_cast<std::ptrdiff_t>(request.m_headers.size()), header);
+                headers.push_back(header);
         }
+        headers.insert(headers.end(), request.m_headers.begin(), request.m_headers.end());
         Multipart form(request);
         TransferOptions options;
         options.url = UrlOf(domain, port, tls, request.m_path);

@@ -19,17 +19,19 @@ struct TransferOptions;
 enum class Exchange { Read, Write };
 
 /// One HTTP client for one request: settings in, outcome out. Synchronous; used on one thread. Connections
-/// outlive the client in a process-wide pool. Never throws: a failure is an absent result with LastErrorText.
+/// outlive the client in a process-wide pool. An operation that fails gives an absent or false result with
+/// LastErrorText, not an exception; a setter throws std::bad_alloc at most.
 class HttpClient : public Object<HttpClient>
 {
 public:
-    /// Bounds name look-up, TCP and TLS together. Whole seconds from 1 to a day; default 30.
+    /// Bounds name look-up, TCP and TLS together, for each connection that an operation opens. Whole seconds
+    /// from 1 to a day; default 30.
     void SetConnectTimeout(int seconds);
-    /// Longest time without a single byte of progress once the request goes out. Whole seconds from 1 to a
-    /// day; default 60.
+    /// Longest time without a single byte of progress once the request goes out; what the system has taken to
+    /// send counts as progress. Whole seconds from 1 to a day; default 60.
     void SetReadTimeout(int seconds);
     /// A PEM file that is then the only trust anchor; empty (the default) means the system's store. When the
-    /// file cannot be read, every request fails.
+    /// file cannot be read, every request fails. A change of the file counts for new connections.
     void SetTrustAnchors(std::filesystem::path pemFile);
     /// A header for the requests of this client; a second call with the same name replaces the value. One
     /// that holds CR, LF or NUL makes every request fail.
@@ -45,8 +47,9 @@ public:
                                                      const HttpRequest& request);
 
     /// GETs @p url into @p file: written to "<file>.part", renamed when whole. True only for status 200 and a
-    /// whole body of at most 1 GiB; otherwise @p file is as it was and no part file remains. At most five
-    /// redirects are followed, to https only.
+    /// whole body of at most 1 GiB; otherwise @p file is as it was and no part file remains. A file or a link
+    /// at "<file>.part" is replaced, a folder with something in it fails the download. At most five redirects
+    /// are followed, to https only.
     bool Download(const std::string& url, const std::filesystem::path& file);
 
     /// HTTP status of the last response; 0 when there was none.

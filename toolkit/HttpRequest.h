@@ -10,8 +10,8 @@
 namespace toolkit {
 
 /// A multipart request that is built field by field and sent with HttpClient::SynchronousRequest.
-/// Used on one thread. Text is UTF-8. A header or field that holds CR, LF or NUL is refused when the request
-/// is sent.
+/// Used on one thread. Text is UTF-8. A header, or the name of a field, that holds CR, LF or NUL is refused
+/// when the request is sent.
 class HttpRequest : public Object<HttpRequest>
 {
 public:
@@ -23,7 +23,7 @@ public:
     void SetContentType(std::string contentType);
     /// Appends one header line; lines are sent in the order in which they were added.
     void AddHeader(std::string name, std::string value);
-    /// Appends one text field to the form.
+    /// Appends one text field to the form; the value may have several lines.
     void AddParam(std::string name, std::string value);
     /// Appends one file part. The file is read while the request is sent, so that memory does not grow with
     /// it. False, with LastErrorText set, when the file is missing, is no regular file or cannot be read.

@@ -2,6 +2,7 @@
 
 #include "toolkit/BinaryData.h"
 
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,19 +15,23 @@ class HttpResponse : public Object<HttpResponse>
 public:
     explicit HttpResponse(std::string body) : m_body(std::move(body)) {}
 
-    /// The body as text, or nothing when it has no bytes. Valid as long as the response.
+    /// The body as text, or nothing when it has no bytes. The view is good until the response is disposed of
+    /// or moved.
     std::optional<std::string_view> BodyStr() const
     {
         return IsValid() && !m_body.empty() ? std::optional<std::string_view>(m_body) : std::nullopt;
     }
 
-    /// Copies the body's bytes into @p data. False, with @p data untouched, when either is not valid.
+    /// Copies the body's bytes into @p data. False, with @p data untouched, when either is not valid or there
+    /// is no memory for a copy.
     bool GetBodyBd(BinaryData* data) const
-    {
+    try {
         if (!IsValid() || !data->IsValid())
             return false;
         data->bytes = m_body;
         return true;
+    } catch (const std::bad_alloc&) {
+        return false;
     }
 
 private:

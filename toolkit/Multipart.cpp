@@ -9,20 +9,18 @@
 namespace toolkit {
 namespace {
 
-void RequireOneLine(const std::string& text)
+void RequireOneLine(const std::string& name)
 {
-    if (BreaksLine(text))
-        throw std::runtime_error("A form field holds a line break or a NUL");
+    if (BreaksLine(name))
+        throw std::runtime_error("The name of a form field holds a line break or a NUL");
 }
 
 } // namespace
 
 Multipart::Multipart(const HttpRequest& request) : m_request(request)
 {
-    for (const auto& [name, value] : request.m_params) {
-        RequireOneLine(name);
-        RequireOneLine(value);
-    }
+    for (const auto& param : request.m_params)
+        RequireOneLine(param.first);
     for (const auto& part : request.m_files) {
         RequireOneLine(part.name);
         std::ifstream stream(part.path, std::ios::binary | std::ios::ate);

@@ -1,5 +1,6 @@
 #include "toolkit/Transfer.h"
 
+#include "toolkit/Gunzip.h"
 #include "toolkit/HttpText.h"
 #include "toolkit/Multipart.h"
 #include "toolkit/ResponseHead.h"
@@ -7,16 +8,19 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <fstream>
+#include <iterator>
+#else
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+#include <unistd.h>
 #endif
 
 namespace toolkit {
@@ -29,6 +33,7 @@ constexpr long kMaxRedirects = 5;
 
 constexpr const char* kTooLarge = "The answer is too large";
 constexpr const char* kNotWritten = "The answer cannot be written";
+constexpr const char* kCutOff = "The answer was cut off";
 
 /// Seconds for which an idle connection is trusted to be alive.
 constexpr long kMaxIdleSeconds = 30;
@@ -80,6 +85,8 @@ private:
     void SetUpScheme();
     void SetUpTrust();
     void SetUpBody();
+    bool Take(std::string_view bytes);
+    bool Deliver(std::string_view bytes);
     bool Drive();
     bool ClockRuns() const { return m_hop == Info<long>(CURLINFO_REDIRECT_COUNT); }
     bool Stalled();
@@ -95,6 +102,9 @@ private:
     char m_curlText[CURL_ERROR_SIZE] = "";
 
     ResponseHead m_head;
+    /// There from the first byte of a compressed body.
+    std::optional<Gunzip> m_gunzip;
+    /// Bytes of the body, decoded.
     std::uint64_t m_bodyBytes = 0;
     /// What went wrong on this side; comes before libcurl's words.
     std::string m_fault;
@@ -134,20 +144,35 @@ try {
 
 std::size_t Transfer::OnBody(char* data, std::size_t size, std::size_t count, void* self) noexcept
 try {
-    auto& transfer = *static_cast<Transfer*>(self);
-    const std::size_t bytes = size * count;
-    transfer.m_bodyBytes += bytes;
-    if (transfer.m_bodyBytes > transfer.m_options.maxBytes) {
-        transfer.m_fault = kTooLarge;
-        return 0;
-    }
-    if (!transfer.m_options.sink({data, bytes})) {
-        transfer.m_fault = kNotWritten;
-        return 0;
-    }
-    return bytes;
+    return static_cast<Transfer*>(self)->Take({data, size * count}) ? size * count : 0;
 } catch (...) {
     return 0;
+}
+
+bool Transfer::Take(std::string_view bytes)
+{
+    if (m_options.download || m_head.Coding() == ContentCoding::None)
+        return Deliver(bytes);
+    if (m_head.Coding() == ContentCoding::Unknown) {
+        m_fault = "The answer has an encoding that was not asked for";
+        return false;
+    }
+    if (!m_gunzip)
+        m_gunzip.emplace();
+    const bool sound = m_gunzip->Add(bytes, [this](std::string_view plain) { return Deliver(plain); });
+    if (!sound && m_fault.empty())
+        m_fault = "The compression of the answer is damaged";
+    return sound;
+}
+
+bool Transfer::Deliver(std::string_view bytes)
+{
+    m_bodyBytes += bytes.size();
+    if (m_bodyBytes > m_options.maxBytes)
+        m_fault = kTooLarge;
+    else if (!m_options.sink(bytes))
+        m_fault = kNotWritten;
+    return m_fault.empty();
 }
 
 int Transfer::OnRequestGoesOut(void* self, char*, char*, int, int) noexcept
@@ -219,29 +244,36 @@ void Transfer::SetUpTrust()
     Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
 
     const auto& anchors = m_options.trustAnchors;
-    std::ifstream file;
-    if (!anchors.empty()) {
-        // Also where libcurl still has a store of that name in its memory.
-        file.open(anchors, std::ios::binary);
-        if (!file)
-            m_fault = "Cannot read the trust anchors in " + anchors.u8string();
-    }
+    bool readable = true;
 #ifdef _WIN32
     // A revocation list that cannot be reached does not count as a refusal.
     Set(CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_REVOKE_BEST_EFFORT));
-    if (file.is_open()) {
+    if (!anchors.empty()) {
+        std::ifstream file(anchors, std::ios::binary);
+        readable = file.is_open();
         std::string pem(std::istreambuf_iterator<char>(file), {});
         curl_blob blob{pem.data(), pem.size(), CURL_BLOB_COPY};
         Set(CURLOPT_CAINFO_BLOB, &blob);
     }
 #else
-    // libcurl keeps the parsed store between connections only when it is one file and no folder.
-    const char* const bundle = anchors.empty() ? curl_version_info(CURLVERSION_NOW)->cainfo : anchors.c_str();
-    if (bundle) {
+    static const char* const systemBundle = curl_version_info(CURLVERSION_NOW)->cainfo;
+    if (const char* const bundle = anchors.empty() ? systemBundle : anchors.c_str()) {
+        // libcurl keeps the parsed store between connections only when it is one file and no folder.
         Set(CURLOPT_CAINFO, bundle);
         Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
     }
+    readable = anchors.empty() || access(anchors.c_str(), R_OK) == 0;
 #endif
+    if (!readable)
+        m_fault = "Cannot read the trust anchors in " + anchors.u8string();
+    if (!anchors.empty()) {
+        // libcurl knows the file by its name alone: a new connection must see what is in it now, not a store
+        // or a TLS session from before.
+#if LIBCURL_VERSION_NUM >= 0x075700
+        Set(CURLOPT_CA_CACHE_TIMEOUT, 0L);
+#endif
+        Set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
+    }
 }
 
 void Transfer::SetUpBody()
@@ -265,7 +297,8 @@ void Transfer::SetUpBody()
     if (m_options.download)
         Set(CURLOPT_FAILONERROR, 1L);
     else
-        Set(CURLOPT_ACCEPT_ENCODING, "");
+        Set(CURLOPT_ACCEPT_ENCODING, "gzip");
+    Set(CURLOPT_HTTP_CONTENT_DECODING, 0L);
 }
 
 bool Transfer::Stalled()
@@ -295,16 +328,19 @@ bool Transfer::Drive()
 {
     for (;;) {
         int running = 0;
-        if (curl_multi_perform(m_session->Multi(), &running) != CURLM_OK)
-            return false;
-        if (running == 0)
+        CURLMcode code = curl_multi_perform(m_session->Multi(), &running);
+        if (code == CURLM_OK && running == 0)
             return true;
-        if (Stalled()) {
+        if (code == CURLM_OK && Stalled()) {
             m_fault = "Timed out: no data for " + Seconds(m_options.readTimeoutMs);
             return false;
         }
-        if (curl_multi_poll(m_session->Multi(), nullptr, 0, PollMs(), nullptr) != CURLM_OK)
+        if (code == CURLM_OK)
+            code = curl_multi_poll(m_session->Multi(), nullptr, 0, PollMs(), nullptr);
+        if (code != CURLM_OK) {
+            m_fault = curl_multi_strerror(code);
             return false;
+        }
     }
 }
 
@@ -317,12 +353,14 @@ std::string Transfer::ErrorText(CURLcode code, int status) const
     std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
     switch (code) {
     case CURLE_OK:
-        return m_head.ShowsEndOfBody(status) ? std::string() : "The answer was cut off";
+        if (status < 200)
+            return "The server gave no final answer";
+        return m_head.ShowsEndOfBody(status) && (!m_gunzip || m_gunzip->IsWhole()) ? "" : kCutOff;
     case CURLE_OPERATION_TIMEDOUT:
         return "Timed out: no connection within " + Seconds(m_options.connectTimeoutMs);
     case CURLE_PARTIAL_FILE:
     case CURLE_RECV_ERROR:
-        return "The answer was cut off: " + words;
+        return std::string(kCutOff) + ": " + words;
     case CURLE_FILESIZE_EXCEEDED:
         return kTooLarge;
     default:

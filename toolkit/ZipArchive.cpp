@@ -50,24 +50,27 @@ void RequireSound(ZipReader* reader)
     }
 }
 
-/// Makes the folder @p relative below @p directory. What is in the way is removed: a file of an earlier
-/// attempt, or a link, which would lead the files to another place.
+/// Makes the folder @p relative below @p directory, which is there. What is in the way is removed: a file of
+/// an earlier attempt, or a link, which would lead the files to another place.
 void MakeFolders(const fs::path& directory, const fs::path& relative)
 {
     fs::path folder = directory;
     for (const fs::path& component : relative) {
         folder /= component;
         std::error_code error;
-        if (IsLink(folder) || !fs::is_directory(folder, error))
-            fs::remove(folder, error);
-        fs::create_directory(folder, error);
-        if (error)
+        const bool cleared = (!IsLink(folder) && fs::is_directory(folder, error)) || RemoveAll(folder);
+        error.clear();
+        if (cleared)
+            fs::create_directory(folder, error);
+        if (!cleared || error)
             throw std::runtime_error("Cannot create the folder " + folder.u8string());
     }
 }
 
 void UnpackFile(ZipReader* reader, const fs::path& path)
 {
+    // A folder of an earlier attempt may lie there; what cannot be removed fails the creation.
+    RemoveAll(path);
     FreshFile file(path);
     const std::uint64_t packed = reader->Read([&](std::string_view bytes) {
         if (!file.Write(bytes))
@@ -86,10 +89,12 @@ void UnpackFile(ZipReader* reader, const fs::path& path)
 } // namespace
 
 std::optional<std::string> ZipEntry::UnzipToString(int lineEndingMode, const std::string& charset) const
-{
+try {
     if (!IsValid() || lineEndingMode != 0 || !EqualNoCase(charset, "utf-8") || !IsUtf8(m_content))
         return std::nullopt;
     return m_content;
+} catch (const std::bad_alloc&) {
+    return std::nullopt;
 }
 
 template <typename Operation>

@@ -113,8 +113,6 @@ std::filesystem::path ZipReader::Path() const
 
 ZipKind ZipReader::Kind() const
 {
-    if (archive_entry_hardlink_w(m_entry) || archive_entry_symlink_w(m_entry))
-        return ZipKind::Other;
     switch (archive_entry_filetype(m_entry)) {
     case AE_IFREG:
         return ZipKind::File;

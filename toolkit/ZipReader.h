@@ -15,7 +15,8 @@ struct archive_entry;
 namespace toolkit {
 
 /// One pass over the entries of a zip archive, in their order. Every warning of the library is a failure: a
-/// wrong checksum and a forged entry arrive as warnings. Functions throw std::runtime_error. One thread.
+/// wrong checksum and a forged entry arrive as warnings. Functions throw a std::exception. Changes its
+/// thread's locale while it lives, so it is made and destroyed on one thread, the last made first.
 class ZipReader
 {
 public:
@@ -29,7 +30,7 @@ public:
     /// Goes to the next entry, whether or not the last one was read; false at the end.
     bool Next();
 
-    // The current entry, as its header declares it.
+    // The current entry, as the archive's directory declares it; after Next() only.
     std::wstring Name() const;
     std::filesystem::path Path() const;
     ZipKind Kind() const;

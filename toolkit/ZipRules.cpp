@@ -16,7 +16,8 @@ namespace {
 constexpr std::uint64_t kMaxRatio = 100;
 constexpr std::uint64_t kRatioFreeBytes = 1u << 20;
 
-/// The name as the Windows file system compares it. Elsewhere the locale must be a UTF-8 one.
+/// The name without regard to case, near to how Windows compares names: NTFS has a table of its own.
+/// Elsewhere the locale must be a UTF-8 one.
 std::wstring Fold(std::wstring name)
 {
 #ifdef _WIN32
@@ -51,6 +52,15 @@ bool IsDeviceName(const std::wstring& component)
            digits.find(stem[3]) != std::wstring_view::npos;
 }
 
+/// Whether @p component has the form of a short name ("VELSTR~1.EXE"), by which Windows would find another
+/// file.
+bool IsShortName(const std::wstring& component)
+{
+    const std::wstring stem = component.substr(0, component.find(L'.'));
+    const std::size_t digit = stem.rfind(L'~') + 1;
+    return stem.size() <= 8 && digit > 0 && digit < stem.size() && stem[digit] >= L'0' && stem[digit] <= L'9';
+}
+
 void RequirePlainComponent(const std::wstring& component)
 {
     if (component.empty())
@@ -61,6 +71,8 @@ void RequirePlainComponent(const std::wstring& component)
         throw std::runtime_error("The archive holds a name with characters that are not allowed");
     if (component.back() == L'.' || component.back() == L' ')
         throw std::runtime_error("The archive holds a name that ends in a dot or a blank");
+    if (IsShortName(component))
+        throw std::runtime_error("The archive holds a name that Windows takes for a short one");
     if (IsDeviceName(component))
         throw std::runtime_error("The archive holds a name that Windows reserves");
 }
@@ -75,6 +87,8 @@ void ZipRules::Admit(const std::wstring& name, ZipKind kind, std::uint64_t size)
         throw std::runtime_error("The archive holds a link or a special file");
     if (size > kMaxZipFileBytes)
         throw std::runtime_error("The archive holds a file that is too large");
+    if (name.size() > kMaxZipNameChars)
+        throw std::runtime_error("The archive holds a name that is too long");
     m_totalBytes += size;
     if (m_totalBytes > kMaxZipTotalBytes)
         throw std::runtime_error("The files of the archive are too large together");
@@ -96,6 +110,8 @@ void ZipRules::Admit(const std::wstring& name, ZipKind kind, std::uint64_t size)
 void ZipRules::AdmitUse(const std::wstring& path, Use use)
 {
     const auto [known, isNew] = m_uses.emplace(Fold(path), use);
+    if (m_uses.size() > 2 * std::size_t(kMaxZipEntries))
+        throw std::runtime_error("The archive holds too many entries");
     if (isNew)
         return;
     const bool sameFolder = use == Use::ImpliedDirectory && known->second != Use::File;
@@ -108,7 +124,7 @@ void ZipRules::AdmitUse(const std::wstring& path, Use use)
 
 void ZipRules::AdmitRatio(std::uint64_t packed, std::uint64_t unpacked)
 {
-    if (unpacked > kRatioFreeBytes && unpacked / kMaxRatio >= std::max<std::uint64_t>(packed, 1))
+    if (unpacked > kRatioFreeBytes && unpacked > kMaxRatio * packed)
         throw std::runtime_error("The archive holds a file that is packed beyond belief");
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -10,6 +11,8 @@ namespace toolkit {
 constexpr std::uint64_t kMaxZipFileBytes = 256ull << 20;
 constexpr std::uint64_t kMaxZipTotalBytes = 512ull << 20;
 constexpr int kMaxZipEntries = 10000;
+/// Characters of a name, folders included: Windows takes paths of 259, and the destination comes in front.
+constexpr std::size_t kMaxZipNameChars = 240;
 
 enum class ZipKind { File, Directory, Other };
 
