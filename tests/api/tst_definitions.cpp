@@ -85,7 +85,7 @@ void TestDefinitions::push_data()
     QTest::newRow("empty") << "definitions.bin" << QByteArray();
     QTest::newRow("one byte") << "d" << QByteArray("\0", 1);
     QTest::newRow("line breaks and boundaries")
-        << "a b.txt" << QByteArray("--\r\n----x--\r\n\r\n\0\x1a\xff", 22);
+        << "a b.txt" << QByteArrayLiteral("--\r\n----x--\r\n\r\n\0\x1a\xff");
     QTest::newRow("quotes") << "it's \"new\".zip" << QByteArray("q");
     QTest::newRow("non-Latin") << QStringLiteral("định nghĩa мир 😀.zip") << QByteArray("n");
     QTest::newRow("a megabyte") << "big" << QByteArray(1 << 20, '\r');
@@ -121,7 +121,11 @@ void TestDefinitions::pushIsFlatInMemory()
     const long before = peakMemoryKiB();
     QVERIFY(m_api.pushDefinition(m_fixture->adminToken(), 22, large.fileName()));
     QCOMPARE(m_fixture->farm().definitionsSize, qint64(200) << 20);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     QVERIFY2(peakMemoryKiB() - before < 32 * 1024, "the file passes through, it is not held");
+#else
+    Q_UNUSED(before) // sanitizers keep freed memory
+#endif
     large.remove();
 }
 
