@@ -22,6 +22,9 @@ QByteArray program(const char* build)
            " $# $PWD $0\" > started.tmp\nmv started.tmp started\n";
 }
 
+/// To be killed while the archive is on its way.
+const QString kHalfway = QStringLiteral("halfway through the download");
+
 const Members kGoodPackage{{"velstrand/Velstrand.exe", program("new")},
                            {"velstrand/lib/data.bin", "x", 0644}};
 
@@ -99,6 +102,7 @@ QString TestSelfUpdate::update(const Members& package, int* exitCode, const QStr
     options.devices = options.clones = 0;
     options.packageVersion = 19;
     options.packageFile = packages.filePath("package.zip");
+    options.packageBytesPerSecond = killAt == kHalfway ? 200 : 0;
     if (package.isEmpty()) {
         QFile broken(options.packageFile);
         broken.open(QIODevice::WriteOnly);
@@ -115,6 +119,11 @@ QString TestSelfUpdate::update(const Members& package, int* exitCode, const QStr
     const bool found = QByteArray(QTest::currentDataTag()) != "not to be had";
     runner.start(UPDATE_RUNNER, {"19", fixture.service().origin() + "/packages/velstrand_" +
                                            (found ? "19" : "20") + ".zip"});
+    if (killAt == kHalfway) {
+        for (int i = 0; i < 500 && !QFile::exists(path("tmp/velstrand_19.zip.part")); ++i)
+            QTest::qWait(10);
+        runner.kill();
+    }
     runner.waitForFinished();
     *exitCode = runner.exitStatus() == QProcess::NormalExit ? runner.exitCode() : -1;
     return QString::fromUtf8(runner.readAllStandardError());
@@ -153,7 +162,7 @@ void TestSelfUpdate::outcomes_data()
                                          << "" << QStringList{"Velstrand.exe", "tmp"};
     QTest::newRow("not to be had") << kGoodPackage << QStringList() << "Download ERROR:"
                                    << "" << same;
-    QTest::newRow("not a zip") << Members() << QStringList() << "installNewVersion"
+    QTest::newRow("not a zip") << Members() << QStringList() << "Unrecognized archive format"
                                << "" << kept;
     QTest::newRow("hostile") << Members{{"../evil", "x"}, {"velstrand/Velstrand.exe", program("new")}}
                              << QStringList() << "leads out of its folder"
@@ -180,6 +189,8 @@ void TestSelfUpdate::outcomes()
     int exitCode = -1;
     const QString log = update(package, &exitCode);
     QVERIFY2(log.contains(logged), qPrintable(log));
+    for (const char* words : {"Copy new bin failed!", " don't exist"})
+        QCOMPARE(log.contains(words), logged.contains(words));
     QVERIFY2(exitCode == (restarted.isEmpty() ? 3 : 0), qPrintable(log));
     if (restarted == "new" || restarted == "old") {
         const QString folder = QFileInfo(m_folder->path()).canonicalFilePath();
@@ -199,6 +210,7 @@ void TestSelfUpdate::killed_data()
     QTest::addColumn<QString>("survivor");
     QTest::newRow("before the download") << "outputPah"
                                          << "old";
+    QTest::newRow("downloading") << kHalfway << "old";
     QTest::newRow("downloaded") << "Download new version"
                                 << "old";
     QTest::newRow("unpacked") << "]Unzip success!"
@@ -216,6 +228,7 @@ void TestSelfUpdate::killed()
     int exitCode = 0;
     update(kGoodPackage, &exitCode, killAt);
     QCOMPARE(exitCode, -1);
+    QCOMPARE(QFile::exists(path("tmp/velstrand_19.zip.part")), killAt == kHalfway);
     QCOMPARE(content("Velstrand.exe"), program(survivor.toLatin1()));
 
     QFile::remove(path("temp.dat")); // as the next start does
