@@ -74,7 +74,7 @@ QByteArray toPem(X509* certificate)
 
 } // namespace
 
-Certificate makeCertificate()
+Certificate makeCertificate(const QByteArray& host)
 {
     const KeyPtr authorityKey(EVP_EC_gen("P-256"));
     KeyPtr key(EVP_EC_gen("P-256"));
@@ -89,13 +89,14 @@ Certificate makeCertificate()
     if (!authority) {
         return {};
     }
-    X509Ptr certificate = issue("localhost", key.get(), authority.get(), authorityKey.get(),
+    const QByteArray names = "DNS:" + host + ",IP:127.0.0.1";
+    X509Ptr certificate = issue(host.constData(), key.get(), authority.get(), authorityKey.get(),
                                 {{NID_basic_constraints, "critical,CA:FALSE"},
                                  {NID_key_usage, "critical,digitalSignature"},
                                  {NID_ext_key_usage, "serverAuth"},
                                  {NID_subject_key_identifier, "hash"},
                                  {NID_authority_key_identifier, "keyid:always"},
-                                 {NID_subject_alt_name, "DNS:localhost,IP:127.0.0.1"}});
+                                 {NID_subject_alt_name, names.constData()}});
     return {std::move(key), std::move(certificate), toPem(authority.get())};
 }
 

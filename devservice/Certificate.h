@@ -20,7 +20,7 @@ struct OpenSslFree {
 using KeyPtr = std::unique_ptr<EVP_PKEY, OpenSslFree<EVP_PKEY_free>>;
 using X509Ptr = std::unique_ptr<X509, OpenSslFree<X509_free>>;
 
-/// A certificate for localhost and 127.0.0.1, valid from yesterday for a week, and the authority that signed
+/// A certificate for one host and 127.0.0.1, valid from yesterday for a week, and the authority that signed
 /// it.
 struct Certificate {
     KeyPtr key;
@@ -32,6 +32,6 @@ struct Certificate {
 };
 
 /// Makes both with fresh P-256 keys; isValid() tells whether it worked.
-Certificate makeCertificate();
+Certificate makeCertificate(const QByteArray& host = "localhost");
 
 } // namespace devservice

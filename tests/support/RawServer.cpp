@@ -1,11 +1,10 @@
 #include "tests/support/RawServer.h"
 
+#include "devservice/Certificate.h"
+
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <openssl/pem.h>
-#include <openssl/ssl.h>
-#include <openssl/x509v3.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -103,7 +102,6 @@ RawServer::RawServer(Handler handler, Mode mode) : m_handler(std::move(handler))
 
 RawServer::~RawServer()
 {
-    m_stopping = true;
     shutdown(m_listener, SHUT_RDWR);
     m_acceptor.join();
     for (Connection& connection : m_connections)
@@ -114,14 +112,11 @@ RawServer::~RawServer()
     }
     close(m_listener);
     SSL_CTX_free(m_context);
-    std::error_code error;
-    if (!m_caFile.empty())
-        std::filesystem::remove(m_caFile, error);
 }
 
 void RawServer::Accept()
 {
-    for (int number = 0; !m_stopping; ++number) {
+    for (;;) {
         const int client = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (client < 0)
             return;
@@ -131,7 +126,6 @@ void RawServer::Accept()
         Connection& connection = m_connections.emplace_back();
         connection.m_server = this;
         connection.m_socket = client;
-        connection.m_number = number;
         connection.m_thread = std::thread(&RawServer::Serve, this, &connection);
     }
 }
@@ -153,33 +147,13 @@ void RawServer::Serve(Connection* connection)
 
 void RawServer::MakeCertificate()
 {
-    EVP_PKEY* const key = EVP_EC_gen("P-256");
-    X509* const certificate = X509_new();
-    X509_set_version(certificate, 2);
-    ASN1_INTEGER_set(X509_get_serialNumber(certificate), std::rand());
-    X509_gmtime_adj(X509_getm_notBefore(certificate), -3600);
-    X509_gmtime_adj(X509_getm_notAfter(certificate), 3600);
-    X509_set_pubkey(certificate, key);
-    X509_NAME* const name = X509_get_subject_name(certificate);
-    X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("loopback"),
-                               -1, -1, 0);
-    X509_set_issuer_name(certificate, name);
-    const char* const host = m_mode == Mode::Tls ? "DNS:localhost" : "DNS:elsewhere.example";
-    X509_EXTENSION* const names = X509V3_EXT_conf_nid(nullptr, nullptr, NID_subject_alt_name, host);
-    X509_add_ext(certificate, names, -1);
-    X509_EXTENSION_free(names);
-    Require(X509_sign(certificate, key, EVP_sha256()) != 0);
-
-    std::string path = (std::filesystem::temp_directory_path() / "raw-server-XXXXXX").string();
-    FILE* const file = fdopen(mkstemp(path.data()), "w");
-    Require(file && PEM_write_X509(file, certificate) == 1 && fclose(file) == 0);
-    m_caFile = path;
-
+    const devservice::Certificate certificate =
+        devservice::makeCertificate(m_mode == Mode::Tls ? "localhost" : "elsewhere.example");
+    Require(certificate.isValid() && m_caFile.open() &&
+            m_caFile.write(certificate.authorityPem) == certificate.authorityPem.size() && m_caFile.flush());
     m_context = SSL_CTX_new(TLS_server_method());
-    Require(SSL_CTX_use_certificate(m_context, certificate) == 1 &&
-            SSL_CTX_use_PrivateKey(m_context, key) == 1);
-    X509_free(certificate);
-    EVP_PKEY_free(key);
+    Require(SSL_CTX_use_certificate(m_context, certificate.certificate.get()) == 1 &&
+            SSL_CTX_use_PrivateKey(m_context, certificate.key.get()) == 1);
 }
 
 RawServer::Handler RawServer::Always(std::string response)

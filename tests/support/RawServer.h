@@ -1,6 +1,7 @@
 #pragma once
 
-#include <atomic>
+#include <QTemporaryFile>
+
 #include <filesystem>
 #include <functional>
 #include <list>
@@ -31,14 +32,11 @@ public:
         void CloseTls();
         /// Blocks until the client or the server ends the connection.
         void Hang();
-        /// Counted from 0 in the order of arrival.
-        int Number() const { return m_number; }
 
     private:
         friend class RawServer;
         RawServer* m_server = nullptr;
         int m_socket = -1;
-        int m_number = 0;
         ssl_st* m_tls = nullptr;
         std::string m_ahead;
         std::thread m_thread;
@@ -61,8 +59,8 @@ public:
     int Port() const { return m_port; }
     /// "http://localhost:PORT" or "https://localhost:PORT"
     std::string Origin() const;
-    /// The PEM file with the certificate; there while the server is.
-    std::filesystem::path CaFile() const { return m_caFile; }
+    /// The PEM file with the authority that signed its certificate; there while the server is.
+    std::filesystem::path CaFile() const { return m_caFile.fileName().toStdString(); }
     int Connections() const;
     /// Everything that Receive() has returned so far, over all connections.
     std::vector<std::string> Requests() const;
@@ -77,8 +75,7 @@ private:
     int m_listener = -1;
     int m_port = 0;
     ssl_ctx_st* m_context = nullptr;
-    std::filesystem::path m_caFile;
-    std::atomic<bool> m_stopping{false};
+    QTemporaryFile m_caFile;
     mutable std::mutex m_mutex;
     /// Both guarded by m_mutex.
     std::list<Connection> m_connections;

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <archive.h>
-#include <archive_entry.h>
+#include <zlib.h>
 
 #include <cstdint>
 #include <string>
@@ -17,17 +16,6 @@ struct RawZipEntry {
     std::int64_t declaredSize = -1;
 };
 
-inline std::uint32_t Crc32(const std::string& data)
-{
-    std::uint32_t crc = 0xffffffffu;
-    for (unsigned char byte : data) {
-        crc ^= byte;
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1) ^ (crc & 1 ? 0xedb88320u : 0);
-    }
-    return ~crc;
-}
-
 /// The archive, names as they stand and marked as UTF-8.
 inline std::string RawZip(const std::vector<RawZipEntry>& entries)
 {
@@ -40,40 +28,16 @@ inline std::string RawZip(const std::vector<RawZipEntry>& entries)
     std::string zip;
     std::string directory;
     for (const RawZipEntry& entry : entries) {
-        const auto size = entry.declaredSize < 0 ? entry.content.size() : std::uint64_t(entry.declaredSize);
+        const std::string& content = entry.content;
+        const auto size = entry.declaredSize < 0 ? content.size() : std::uint64_t(entry.declaredSize);
+        const auto crc = crc32(0, reinterpret_cast<const Bytef*>(content.data()), uInt(content.size()));
         const std::string shared = number(20, 2) + number(0x800, 2) + number(0, 2) + number(0x21000000, 4) +
-                                   number(Crc32(entry.content), 4) + number(entry.content.size(), 4) +
-                                   number(size, 4) + number(entry.name.size(), 2) + number(0, 2);
-        directory += "PK\x01\x02" + number(0x0314, 2) + shared + number(0, 2) + number(0, 2) + number(0, 2) +
+                                   number(crc, 4) + number(content.size(), 4) + number(size, 4) +
+                                   number(entry.name.size(), 2) + number(0, 2);
+        directory += "PK\x01\x02" + number(0x0314, 2) + shared + number(0, 6) +
                      number(std::uint64_t(entry.mode) << 16, 4) + number(zip.size(), 4) + entry.name;
-        zip += "PK\x03\x04" + shared + entry.name + entry.content;
+        zip += "PK\x03\x04" + shared + entry.name + content;
     }
     return zip + directory + "PK\x05\x06" + number(0, 4) + number(entries.size(), 2) +
            number(entries.size(), 2) + number(directory.size(), 4) + number(zip.size(), 4) + number(0, 2);
-}
-
-/// An archive of one deflated file. @p encryption is "zipcrypt", "aes128", "aes256" or empty.
-inline std::string PackedZip(const std::string& name, const std::string& content,
-                             const std::string& encryption = {}, const std::string& password = {})
-{
-    std::string zip(content.size() + 4096, '\0');
-    std::size_t used = 0;
-    archive* const writer = archive_write_new();
-    archive_write_set_format_zip(writer);
-    if (!encryption.empty()) {
-        archive_write_set_passphrase(writer, password.c_str());
-        archive_write_set_options(writer, ("zip:encryption=" + encryption).c_str());
-    }
-    archive_write_open_memory(writer, zip.data(), zip.size(), &used);
-    archive_entry* const entry = archive_entry_new();
-    archive_entry_set_pathname(entry, name.c_str());
-    archive_entry_set_mode(entry, AE_IFREG | 0644);
-    archive_entry_set_size(entry, static_cast<la_int64_t>(content.size()));
-    archive_write_header(writer, entry);
-    archive_write_data(writer, content.data(), content.size());
-    archive_entry_free(entry);
-    archive_write_close(writer);
-    archive_write_free(writer);
-    zip.resize(used);
-    return zip;
 }
