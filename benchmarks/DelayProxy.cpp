@@ -2,14 +2,15 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
-#include <poll.h>
 #include <string>
 
 using Clock = std::chrono::steady_clock;
