@@ -18,6 +18,8 @@
 #include <QTimer>
 #include <QtConcurrent>
 
+#include <mutex>
+
 namespace {
 
 constexpr int kVersionCheckIntervalMs = 10000;
@@ -26,7 +28,7 @@ const QString kTokenKey = QStringLiteral("user_token");
 
 /// Whether a version check is under way. Set by the UI thread, cleared by the check's worker as its last
 /// step; the mutex makes sure that a check which ends at once is cleared after it was set.
-QMutex versionCheckMutex;
+std::mutex versionCheckMutex;
 bool versionCheckBusy = false;
 
 VelstrandAPI& service()
@@ -362,12 +364,12 @@ void Application::getReports()
 
 void Application::checkVersion()
 {
-    const QMutexLocker lock(&versionCheckMutex);
+    const std::lock_guard lock(versionCheckMutex);
     if (versionCheckBusy)
         return;
     start([](const Job& job) {
         const auto last = qScopeGuard([] {
-            const QMutexLocker guard(&versionCheckMutex);
+            const std::lock_guard guard(versionCheckMutex);
             versionCheckBusy = false;
         });
         QString text;

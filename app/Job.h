@@ -3,9 +3,8 @@
 #include "app/Application.h"
 #include "models/UserInfo.h"
 
-#include <QMutex>
-
 #include <memory>
+#include <mutex>
 
 class VelstrandAPI;
 
@@ -18,7 +17,7 @@ public:
     /// Called by the controller's destructor.
     void close()
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_controller = nullptr;
     }
 
@@ -27,7 +26,7 @@ public:
     template <typename Message>
     void deliver(Message message)
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         if (!m_controller)
             return;
         const auto call = [controller = m_controller, message] { message(controller); };
@@ -35,7 +34,7 @@ public:
     }
 
 private:
-    QMutex m_mutex;
+    std::mutex m_mutex;
     /// Read by workers, cleared by the UI thread; guarded by the mutex.
     Application* m_controller;
 };
