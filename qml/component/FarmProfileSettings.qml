@@ -5,10 +5,9 @@ import QtQuick.Window 2.15
 Item {
     id: page
 
-    objectName: "farmProfileSettings"
-
     /// Brings the rows in line with the user's profiles. A profile that came last leaves the other rows, and
     /// what is being edited in them, as they are; otherwise all are new, and the open one is found by its name.
+    /// Profiles are few: a loop over them costs nothing.
     function syncRows() {
         const profiles = AppModel.userInfo.farmProfiles
         if (rows.count > 0 && profiles.length === rows.count + 1 && profiles[0] === rows.get(0).profile) {
@@ -30,6 +29,8 @@ Item {
         list.contentY = y
         list.returnToBounds()
     }
+
+    objectName: "farmProfileSettings"
 
     Component.onCompleted: syncRows()
 
@@ -91,9 +92,9 @@ Item {
 
         ScrollBar.vertical: ScrollBar {}
 
-        // The keyboard needs a row to start from.
+        // The keyboard needs a row to start from; a row that is clicked becomes the current one by itself.
         onActiveFocusChanged: {
-            if (activeFocus && currentIndex < 0 && count > 0)
+            if (activeFocus && currentIndex < 0 && count > 0 && Window.activeFocusItem === list)
                 currentIndex = 0
         }
         onCurrentItemChanged: {

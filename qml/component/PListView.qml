@@ -24,16 +24,17 @@ ListView {
 
     Keys.onPressed: {
         if (event.key === Qt.Key_F5) {
-            pullToRefreshReleased()
+            if (!event.isAutoRepeat)
+                pullToRefreshReleased()
             event.accepted = true
         }
     }
 
-    // The keyboard needs a row to start from; a control within a row brings its own.
+    // The keyboard needs a row to start from, the first in view; a control within a row brings its own.
     onActiveFocusChanged: {
         const item = Window.activeFocusItem
         if (activeFocus && currentIndex < 0 && count > 0 && (item === root || item.parent === contentItem))
-            currentIndex = 0
+            currentIndex = Math.max(0, indexAt(0, contentY + spacing))
     }
     onDragEnded: {
         if (indicator.visible)

@@ -16,7 +16,6 @@ FocusScope {
     signal held()
 
     component Cell: Text {
-        y: 0
         width: row.columnWidth
         height: 48
         leftPadding: 4
@@ -48,7 +47,7 @@ FocusScope {
     Accessible.selected: modelData.selected
     Accessible.onPressAction: view.currentIndex = index
 
-    Keys.onSpacePressed: modelData.selected = !modelData.selected
+    Keys.onSpacePressed: if (!event.isAutoRepeat) modelData.selected = !modelData.selected
     Keys.onReturnPressed: held()
     Keys.onEnterPressed: held()
 
@@ -116,8 +115,8 @@ FocusScope {
         anchors.fill: parent
 
         onClicked: {
-            row.view.forceActiveFocus(Qt.MouseFocusReason)
             row.view.currentIndex = index
+            row.view.forceActiveFocus(Qt.MouseFocusReason)
             if (AppIO.keyboardModifiers === Qt.ControlModifier)
                 modelData.selected = true
             else
@@ -173,7 +172,8 @@ FocusScope {
             }
 
             x: badge.cell.x + badge.cell.width / 4
-            y: 35
+            // Under the cell, over the next row; within the view where there is no room below.
+            y: Math.min(48, row.view.contentY + row.view.height - row.y - height)
             width: badge.cell.width / 2
             height: 20
 

@@ -200,6 +200,22 @@ PageCase {
         verify(Date.now() - since > 700)
     }
 
+    function test_scrolledListStays() {
+        const view = find("cloneView")
+        Service.clones = Array.from({ length: 60 }, (unused, index) => clone(index, "u" + index, "dev", 1, "", 1))
+        view.pullToRefreshReleased()
+        tryCompare(view, "count", 60)
+        view.contentY = 1510
+        tryVerify(() => row(32) !== null)
+        mouseDoubleClickSequence(find("uid", row(32)))
+        compare([Service.clipboardText(), view.currentIndex, view.contentY], ["u32", 32, 1510])
+        // What closes gives the keyboard back to the list.
+        view.currentIndex = -1
+        find("inputClonesPopup").visible = true
+        find("inputClonesPopup").visible = false
+        compare([view.currentIndex, view.contentY], [30, 1500])
+    }
+
     function test_toolBoxOpensOnHold() {
         const toolBox = find("cloneToolBox")
         verify(!find("check", row(0)))

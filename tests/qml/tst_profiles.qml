@@ -71,6 +71,9 @@ PageCase {
         compare(find("profileView").count, 2)
         compare([text("profileName", row(0)), text("profileName", row(1))], ["Alpha", "Beta"])
         compare([row(0).height, row(1).height], [50, 50])
+        // The first click of all, on the name of a row that is not the first.
+        verify(find("profileName", openRow(1)).activeFocus)
+        compare(find("profileView").currentIndex, 1)
         const alpha = openRow(0)
         compare(shown(alpha), actionNames.map((name, index) => name + (index === 0 ? "+60" : index === 11 ? "+0" : "-0")))
         verify(find("profileName", alpha).readOnly)
