@@ -100,7 +100,8 @@ function groupedUnpadded(number) {
     return groups.join(".") || "0"
 }
 
-/// A map's entries in its key order, for use as a view's model. What is no map has none.
+/// A map's entries by key, for use as a view's model. What is no map has none.
 function entries(map) {
-    return Object.keys(Object(map)).map(key => ({ key: key, value: map[key] }))
+    // Sorted: JavaScript would put keys that look like numbers first.
+    return Object.keys(Object(map)).sort().map(key => ({ key: key, value: map[key] }))
 }

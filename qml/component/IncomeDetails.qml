@@ -9,7 +9,11 @@ Rectangle {
     /// A map from device id to a map from job name to count.
     property var model
 
+    signal pullToRefreshReleased()
+
     function show() {
+        list.currentIndex = -1
+        list.positionViewAtBeginning()
         incomeDetails.height = Qt.binding(() => incomeDetails.parent.height)
         closeButton.forceActiveFocus(Qt.TabFocusReason)
     }
@@ -85,6 +89,8 @@ Rectangle {
 
         Accessible.role: Accessible.List
         Accessible.name: qsTr("Income by device")
+
+        onPullToRefreshReleased: incomeDetails.pullToRefreshReleased()
 
         delegate: Rectangle {
             objectName: "incomeRow" + index

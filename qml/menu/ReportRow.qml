@@ -22,6 +22,9 @@ FocusScope {
     Accessible.role: Accessible.ListItem
     Accessible.name: modelData.date
 
+    Keys.onReturnPressed: if (!empty && !event.isAutoRepeat) detailsRequested()
+    Keys.onEnterPressed: if (!empty && !event.isAutoRepeat) detailsRequested()
+
     onTotalsChanged: {
         nameWidth = 200
         jobs = Format.entries(totals)
@@ -78,8 +81,8 @@ FocusScope {
                 textFormat: Text.PlainText
                 elide: Text.ElideRight
 
-                onImplicitWidthChanged: row.nameWidth = Math.max(row.nameWidth, implicitWidth + 10)
-                Component.onCompleted: row.nameWidth = Math.max(row.nameWidth, implicitWidth + 10)
+                // The padding is the column's room beside the widest name.
+                onImplicitWidthChanged: row.nameWidth = Math.max(row.nameWidth, implicitWidth)
             }
 
             Text {

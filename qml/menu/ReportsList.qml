@@ -16,15 +16,10 @@ PListView {
     width: slimWidth()
     anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
     clip: true
-    spacing: 10
     currentIndex: -1
     activeFocusOnTab: !incomeDetails.visible
     interactive: !incomeDetails.visible
     model: AppModel.reportList
-
-    header: Item {
-        height: 10
-    }
 
     Accessible.role: Accessible.List
     Accessible.name: qsTr("Make money")
@@ -38,10 +33,22 @@ PListView {
 
     Component.onCompleted: AppManager.getReports()
 
+    Connections {
+        target: AppModel.userInfo
+
+        // Another account, another farm.
+        function onIsValidatedChanged() {
+            if (AppModel.userInfo.isValidated)
+                AppManager.getReports()
+        }
+    }
+
     delegate: ReportRow {
         enabled: !incomeDetails.visible
         onDetailsRequested: {
-            incomeDetails.model = modelData.details
+            // The panel follows the day, also when the next user's figures take its place.
+            const report = modelData
+            incomeDetails.model = Qt.binding(() => report.details)
             incomeDetails.show()
         }
     }
@@ -52,6 +59,7 @@ PListView {
         objectName: "incomeDetails"
         parent: page
         z: 2
+        onPullToRefreshReleased: AppManager.getReports()
         // The rows under the panel are enabled again a moment later.
         onVisibleChanged: {
             if (!visible && page.activeFocus)

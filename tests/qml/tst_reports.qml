@@ -82,7 +82,7 @@ PageCase {
         compare(names[0].width, names[1].width)
         compare(names[0].width > 200, data.wide)
         const longest = Math.max(names[0].implicitWidth, names[1].implicitWidth)
-        compare(names[0].width, Math.min(Math.max(200, longest + 10), jobs.width - 100))
+        compare(names[0].width, Math.min(Math.max(200, longest), jobs.width - 100))
         verify(find("value", jobs.itemAtIndex(1)).x + 20 < jobs.width)
     }
 
@@ -119,6 +119,43 @@ PageCase {
         tryCompare(panel, "visible", false)
         compare(panel.height, 0)
         tryVerify(() => find("details", row(0)).visualFocus)
+    }
+
+    function test_panelFollowsItsDay() {
+        const panel = find("incomeDetails")
+        const list = find("incomeView")
+        const reports = Service.reports
+        for (let i = 0; i < 60; ++i)
+            reports[day(0)].device_details["dev-x" + i] = reports[day(2)].device_details["dev-y" + i] = {}
+        Service.reports = reports
+        page.forceActiveFocus()
+        keyClick(Qt.Key_F5)
+        tryVerify(() => Object.keys(AppModel.reportList[2].details).length === 60)
+
+        row(0).forceActiveFocus(Qt.TabFocusReason)
+        keyClick(Qt.Key_Return)
+        tryCompare(panel, "height", page.height)
+        list.positionViewAtEnd()
+        panel.hide()
+        tryCompare(panel, "visible", false)
+        click("details", row(2))
+        tryCompare(panel, "height", page.height)
+        compare([list.contentY - list.originY, list.currentIndex], [0, -1])
+
+        // Another account: its figures come by themselves.
+        delete reports[day(2)]
+        Service.reports = reports
+        AppModel.userInfo.token = ""
+        AppModel.userInfo.token = Service.userToken
+        AppManager.checkUser()
+        tryCompare(list, "count", 0)
+        tryVerify(() => text("income", row(0)).includes("190"))
+        // As do fresh ones of the open day.
+        reports[day(2)] = { total: {}, device_details: { "dev-z": {} } }
+        Service.reports = reports
+        list.forceActiveFocus()
+        keyClick(Qt.Key_F5)
+        tryCompare(list, "count", 1)
     }
 
     function test_keepsItsMargins() {

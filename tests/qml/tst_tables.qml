@@ -36,6 +36,8 @@ TestCase {
                                   [1000000, "1.000.000"], [1234567, "1.234.567"], [12345678, "12.345.678"]]),
             rows(Format.groupedUnpadded, [[0, "0"], [-5, "0"], [NaN, "0"], [190, "190"], [1005, "1.5"],
                                           [1000000, "1.0.0"], [1234567, "1.234.567"]]),
+            rows(Format.entries, [[{ b: 1, 10: 2, 9: 3, A: 4 }, [["10", 2], ["9", 3], ["A", 4], ["b", 1]]
+                                   .map(([key, value]) => ({ key: key, value: value }))], [null, []]]),
             rows(Format.income, [[{}, 0], [null, 0], ["text", 0],
                                  [{ facebook_follow_type_1: 3, facebook_page_like_type_1: 2 }, 190],
                                  [{ facebook_follow_type_1: 25000 }, 1000000],
