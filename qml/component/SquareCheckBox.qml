@@ -11,6 +11,8 @@ T.CheckBox {
     implicitWidth: size
     implicitHeight: size
 
+    Keys.onReleased: event.accepted = event.isAutoRepeat
+
     indicator: Rectangle {
         width: root.size
         height: root.size

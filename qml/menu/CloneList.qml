@@ -16,6 +16,8 @@ Item {
     ]
     /// Accepted values by column id; an empty list accepts all.
     property var filters: ({ 0: [], 2: [], 3: [], 5: [] })
+    /// The filters of a page that is being built are no change: the clones stay filtered as they were.
+    property bool opened: false
     readonly property bool filtering: filters[0].length + filters[2].length + filters[3].length + filters[5].length > 0
 
     function setFilter(column, text) {
@@ -36,10 +38,14 @@ Item {
     objectName: "cloneListPage"
 
     onFiltersChanged: {
+        if (!opened)
+            return
         applyFilters()
         list.currentIndex = -1
         list.positionViewAtBeginning()
     }
+
+    Component.onCompleted: opened = true
 
     Timer {
         interval: 100

@@ -15,6 +15,7 @@ Item {
     Component { id: imageButton; ImageButton { source: "qrc:/images/save_icon.png" } }
     Component { id: expandButton; ExpandButton {} }
     Component { id: selectAll; SelectAllCheckbox { height: 40 } }
+    Component { id: squareBox; SquareCheckBox {} }
     Component { id: baseItem; GlobalSettingBaseItem {} }
     Component { id: deviceTools; DeviceToolBox { height: 50 } }
     Component { id: clonesPopup; InputClonesPopup { anchors.fill: parent; visible: false } }
@@ -76,9 +77,9 @@ Item {
         function test_buttons_data() {
             const data = []
             const components = { PButton: pButton, ImageButton: imageButton, ExpandButton: expandButton,
-                                 SelectAllCheckbox: selectAll }
+                                 SelectAllCheckbox: selectAll, SquareCheckBox: squareBox }
             for (const name in components) {
-                for (const act of ["click", "Return", "Enter", "Space"])
+                for (const act of name === "SquareCheckBox" ? ["click", "Space"] : ["click", "Return", "Enter", "Space"])
                     data.push({ tag: name + " " + act, component: components[name], act: act })
             }
             return data
