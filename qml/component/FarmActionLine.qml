@@ -38,7 +38,8 @@ FocusScope {
         onClicked: line.forceActiveFocus(Qt.MouseFocusReason)
     }
 
-    // A long name reaches into the room before the check box, and scrolls in that.
+    // 100 wide; a longer name, which the service may send, reaches into the room before the check box rather than
+    // be cut off, and scrolls in that.
     TextInput {
         id: nameField
 

@@ -5,8 +5,6 @@ import "../component"
 Item {
     id: page
 
-    objectName: "deviceListPage"
-
     /// Opens the clone page, through the menu that stands beside the page area.
     function showClones() {
         const siblings = page.parent.parent.children
@@ -15,6 +13,8 @@ Item {
                 siblings[i].currentIndex = QmlDefines._CLONES
         }
     }
+
+    objectName: "deviceListPage"
 
     Component.onCompleted: AppManager.getDeviceList()
 
@@ -45,7 +45,7 @@ Item {
                 Text {
                     objectName: "head" + index
                     anchors.fill: parent
-                    anchors.leftMargin: 4
+                    padding: 4
                     horizontalAlignment: Text.AlignHCenter
                     verticalAlignment: Text.AlignVCenter
                     text: modelData
