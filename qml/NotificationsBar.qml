@@ -54,6 +54,7 @@ Item {
     Timer {
         id: hideTimer
 
+        objectName: "hideTimer"
         interval: 3000
         onTriggered: root.shown = false
     }

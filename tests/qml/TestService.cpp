@@ -38,25 +38,6 @@ devservice::Options sampleSizes()
     return options;
 }
 
-devservice::Fault faultOf(const QString& name)
-{
-    using devservice::Fault;
-    static const QHash<QString, Fault> faults = {
-        {QStringLiteral("None"), Fault::None},
-        {QStringLiteral("Hang"), Fault::Hang},
-        {QStringLiteral("Cut"), Fault::Cut},
-        {QStringLiteral("NotJson"), Fault::NotJson},
-        {QStringLiteral("WrongShape"), Fault::WrongShape},
-        {QStringLiteral("NoBody"), Fault::NoBody},
-        {QStringLiteral("HttpError"), Fault::HttpError},
-        {QStringLiteral("Refuse"), Fault::Refuse},
-        {QStringLiteral("DropAfterwards"), Fault::DropAfterwards},
-    };
-    if (!faults.contains(name))
-        qFatal("No such fault: %s", qPrintable(name));
-    return faults.value(name);
-}
-
 } // namespace
 
 TestService::TestService(QObject* parent) : QObject(parent), m_fixture(sampleSizes())
@@ -111,12 +92,6 @@ QVariantMap TestService::definitions()
             {QStringLiteral("size"), farm.definitionsSize}};
 }
 
-void TestService::setFault(const QString& path, const QString& name)
-{
-    m_fixture->setFault(path, faultOf(name));
-    m_faultyPaths.append(path);
-}
-
 QVariantList TestService::requestBodies(const QString& path)
 {
     QVariantList bodies;
@@ -128,9 +103,7 @@ QVariantList TestService::requestBodies(const QString& path)
 
 void TestService::reset()
 {
-    for (const QString& path : qAsConst(m_faultyPaths))
-        m_fixture->setFault(path, devservice::Fault::None);
-    m_faultyPaths.clear();
+    m_fixture->clearFaults();
     m_fixture->setLatency(0);
 
     AppModel* const model = AppModel::instance();
@@ -138,6 +111,7 @@ void TestService::reset()
     // What the test before has left under way must not arrive in the next one.
     settle();
     model->userInfo()->setToken(QString());
+    model->userInfo()->setUserType(0);
     model->clearFarm();
     model->setGlobalConfig(nullptr);
 
@@ -174,13 +148,6 @@ void TestService::holdKey(int key)
 QString TestService::clipboardText() const
 {
     return QGuiApplication::clipboard()->text();
-}
-
-QString TestService::storedToken() const
-{
-    return QSettings(QStringLiteral("Velstrand"), QStringLiteral("Velstrand Manager"))
-        .value(QStringLiteral("user_token"))
-        .toString();
 }
 
 void TestService::watch(QQmlEngine* engine)

@@ -42,9 +42,9 @@ public:
     /// What the last definitions push brought: version, fileName, size.
     Q_INVOKABLE QVariantMap definitions();
 
-    /// @p name is "None", "Hang", "Cut", "NotJson", "WrongShape", "NoBody", "HttpError", "Refuse" or
-    /// "DropAfterwards".
-    Q_INVOKABLE void setFault(const QString& path, const QString& name);
+    /// Answers requests to @p path with an error of the server, until clearFaults().
+    Q_INVOKABLE void fail(const QString& path) { m_fixture->setFault(path, devservice::Fault::HttpError); }
+    Q_INVOKABLE void clearFaults() { m_fixture->clearFaults(); }
     Q_INVOKABLE void setLatency(int ms) { m_fixture->setLatency(ms); }
     Q_INVOKABLE void clearRequests() { m_fixture->clearRequests(); }
     /// The bodies that came for @p path since clearRequests(), as objects, oldest first.
@@ -63,7 +63,6 @@ public:
     /// What the window that has the keyboard gets while @p key is held down: a press, then repeats.
     Q_INVOKABLE void holdKey(int key);
     Q_INVOKABLE QString clipboardText() const;
-    Q_INVOKABLE QString storedToken() const;
 
     void watch(QQmlEngine* engine);
 
@@ -73,6 +72,5 @@ private:
 
     ServiceFixture m_fixture;
     devservice::Farm m_sampleFarm;
-    QStringList m_faultyPaths;
     QStringList m_warnings;
 };

@@ -17,8 +17,3 @@ function search(root, accepts) {
 function find(root, name) {
     return search(root, item => item.objectName === name)
 }
-
-/// The first item that shows exactly this text.
-function findText(root, text) {
-    return search(root, item => item.text === text && item.visible)
-}

@@ -25,13 +25,6 @@ PageCase {
     name: "AdminSettings"
     menuRow: 3
 
-    function test_showsTheConfiguration() {
-        compare(["androidAppVersion", "androidAppPath", "facebookAppVersion", "managerAppVersion", "managerAppPath",
-                 "definitionsVersion"].map(name => text("editor", find(name))),
-                ["112", "https://localhost/a.apk", "431", "18", "https://localhost/m.zip", "27"])
-        compare([find("apply").width, find("apply").height, find("uploadNewDefinitions").height], [60, 40, 30])
-    }
-
     function test_apply_data() {
         return [
             { tag: "nothing", edits: {}, changed: {} },
@@ -55,61 +48,39 @@ PageCase {
         tryVerify(() => text("editor", find("facebookAppVersion")) === "431")
     }
 
-    function test_emptiedFieldsAreLeftOut() {
-        edit("facebookAppVersion", "")
-        edit("androidAppPath", "")
-        click("apply")
-        const sent = JSON.stringify(post("config/update-global")[0])
-        verify(!sent.includes("facebook_app_version") && !sent.includes("android_app_path"), sent)
-        verify(sent.includes("velstrand_manager_app_path"))
-    }
-
-    function test_uploadNeedsVersionAndFile_data() {
-        return [
-            { tag: "both", version: "28", path: "/x", enabled: true },
-            { tag: "no path", version: "28", path: "", enabled: false },
-            { tag: "zero", version: "0", path: "/x", enabled: false },
-            { tag: "negative", version: "-3", path: "/x", enabled: false },
-            { tag: "word", version: "abc", path: "/x", enabled: false },
-            { tag: "none", version: "", path: "/x", enabled: false }
-        ]
-    }
-
-    function test_uploadNeedsVersionAndFile(data) {
-        const sheet = find("uploadSheet")
-        verify(!sheet.visible)
-        click("uploadNewDefinitions")
-        verify(sheet.visible && find("version", sheet).activeFocus)
-        compare([sheet.width, sheet.height], [page.width, page.height])
-        type(data.version)
-        find("path", sheet).text = data.path
-        compare(find("upload", sheet).enabled, data.enabled)
-        verify(!find("apply").enabled)
-        keyClick(Qt.Key_Escape)
-        verify(!sheet.visible && find("apply").enabled)
-    }
-
     function test_upload() {
         const sheet = find("uploadSheet")
+        const upload = find("upload", sheet)
         find("uploadNewDefinitions").forceActiveFocus(Qt.TabFocusReason)
         keyClick(Qt.Key_Return)
-        type("28")
-        keyClick(Qt.Key_Tab)
-        verify(find("path", sheet).activeFocus)
-        find("path", sheet).text = someFile
-        keyClick(Qt.Key_Tab)
-        verify(find("browser", sheet).activeFocus)
-        keyClick(Qt.Key_Tab)
+        verify(sheet.visible && find("version", sheet).activeFocus && !find("apply").enabled)
+        compare([sheet.width, sheet.height], [page.width, page.height])
+        for (const [version, path, enabled] of [["28", "", false], ["0", "/x", false], ["-3", "/x", false],
+                                                ["abc", "/x", false], ["", "/x", false], ["28", someFile, true]]) {
+            keyClick(Qt.Key_A, Qt.ControlModifier)
+            keyClick(Qt.Key_Delete)
+            type(version)
+            find("path", sheet).text = path
+            compare(upload.enabled, enabled, version + " " + path)
+        }
+        for (const name of ["path", "browser", "upload"]) {
+            keyClick(Qt.Key_Tab)
+            verify(find(name, sheet).activeFocus)
+        }
         keyClick(Qt.Key_Return)
-        verify(!sheet.visible)
+        verify(!sheet.visible && find("apply").enabled)
         tryVerify(() => Service.definitions().version === 28)
         compare(Service.definitions().fileName, "scene.js")
         verify(Service.definitions().size > 0)
+
+        click("uploadNewDefinitions")
+        keyClick(Qt.Key_Escape)
+        verify(!sheet.visible)
     }
 
     function test_withoutAConfiguration() {
         Service.reset()
-        Service.setFault("/api/v1/config/get-global", "HttpError")
+        Service.fail("/api/v1/config/get-global")
         AppModel.userInfo.token = Service.adminToken
         AppManager.checkUser()
         tryCompare(find("validateUserPopup"), "visible", false)
