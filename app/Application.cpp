@@ -233,7 +233,7 @@ void Application::onGetCloneListDone(const QVariantList& array)
     AppModel::instance()->setClones(array);
 }
 
-void Application::updateFarmProfile(QString profile)
+void Application::updateFarmProfile(const QString& profile)
 {
     if (!service().updateCloneFarmProfile(currentToken(), AppModel::instance()->selectedCloneIds(), profile))
         emit pushNotification(Error, tr("Update farm profile failure!"));
@@ -255,7 +255,7 @@ void Application::deleteSelectedClone()
     getCloneList();
 }
 
-void Application::addClone(QString raw, QString network, QString profile)
+void Application::addClone(const QString& raw, const QString& network, const QString& profile)
 {
     LOG_D << network << " -- profile: " << profile << " : \n" << raw;
     const QJsonArray clones = cloneimport::parse(raw, profile);
@@ -278,7 +278,7 @@ void Application::copyUIDsSelectedClones()
         m_appIO->sendToClibboard(AppModel::instance()->selectedUids());
 }
 
-void Application::updateFilteredClone(QVariantMap filters)
+void Application::updateFilteredClone(const QVariantMap& filters)
 {
     AppModel::instance()->filterClones(filters);
 }
@@ -314,8 +314,8 @@ void Application::onGetGlobalConfig(const QString& configJson)
     AppModel::instance()->setGlobalConfig(std::move(config));
 }
 
-void Application::applyGlobalSetting(int androidAppVer, QString androidAppPath, int facebookAppVer,
-                                     int managerAppVer, QString managerAppPath, int definitionsVersion)
+void Application::applyGlobalSetting(int androidAppVer, const QString& androidAppPath, int facebookAppVer,
+                                     int managerAppVer, const QString& managerAppPath, int definitionsVersion)
 {
     const auto text = [](int version) { return version == 0 ? QString() : QString::number(version); };
     GlobalConfig config;
@@ -333,7 +333,7 @@ void Application::applyGlobalSetting(int androidAppVer, QString androidAppPath, 
     }
 }
 
-void Application::uploadDefinition(int ver, QString filePath)
+void Application::uploadDefinition(int ver, const QString& filePath)
 {
     LOG_D << "ver: " << ver << " file: " << filePath;
     QString error;

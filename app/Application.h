@@ -53,21 +53,22 @@ public:
     /// Fetches the clones on a worker.
     Q_INVOKABLE void getCloneList();
     /// Gives the ticked clones the farm profile of that name. Blocks for one request.
-    Q_INVOKABLE void updateFarmProfile(QString profile);
+    Q_INVOKABLE void updateFarmProfile(const QString& profile);
     /// Sets the ticked clones live again. Blocks for one request.
     Q_INVOKABLE void resetSelectedClone();
     /// Deletes the ticked clones. Blocks for one request.
     Q_INVOKABLE void deleteSelectedClone();
     /// Imports clones from text, one "uid|password|secret key" a line. Blocks for one request.
-    Q_INVOKABLE void addClone(QString raw, QString network, QString profile);
+    Q_INVOKABLE void addClone(const QString& raw, const QString& network, const QString& profile);
     /// Uploads a definitions file. Blocks for the transfer.
-    Q_INVOKABLE void uploadDefinition(int ver, QString filePath);
+    Q_INVOKABLE void uploadDefinition(int ver, const QString& filePath);
     /// Blocks for one request.
     Q_INVOKABLE void saveProfileSettings(QObject* profileObj);
     /// Changes the global configuration; a version of 0 and an empty path keep what the service has. Blocks
     /// for one request.
-    Q_INVOKABLE void applyGlobalSetting(int androidAppVer, QString androidAppPath, int facebookAppVer,
-                                        int managerAppVer, QString managerAppPath, int definitionsVersion);
+    Q_INVOKABLE void applyGlobalSetting(int androidAppVer, const QString& androidAppPath, int facebookAppVer,
+                                        int managerAppVer, const QString& managerAppPath,
+                                        int definitionsVersion);
     /// Fetches the reports of the last ten days on a worker.
     Q_INVOKABLE void getReports();
     /// Ticks or unticks every clone that passes the filter.
@@ -75,7 +76,7 @@ public:
     /// Puts the uids of the ticked clones on the clipboard, each with a line break.
     Q_INVOKABLE void copyUIDsSelectedClones();
     /// Filters the clones; see CloneFilter for @p filters.
-    Q_INVOKABLE void updateFilteredClone(QVariantMap filters);
+    Q_INVOKABLE void updateFilteredClone(const QVariantMap& filters);
 
 signals:
     void getUserInfo(QVariant userInfo);
