@@ -17,9 +17,10 @@ public slots:
     void applicationAvailable()
     {
         // First of all: the controller reads the service's address from the environment.
-        m_service = new TestService(qApp);
-        m_controller = new Application(qApp);
-        m_io = new AppIO(qApp);
+        auto* const application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+        m_service = new TestService(application);
+        m_controller = new Application(application);
+        m_io = new AppIO(application);
         m_controller->setAppIO(m_io);
     }
 
