@@ -122,11 +122,8 @@ PageCase {
         uids[9999] = "104"
         AppIO.sendToClibboard(uids.join("\n"))
         click("filter0")
-        const start = Date.now()
         keyClick(Qt.Key_V, Qt.ControlModifier)
         verifyNumbers([5])
-        const took = Date.now() - start
-        verify(took < 1000, took + " ms")
         compare(find("filter0").text.length, uids.join("\n").length)
     }
 
