@@ -46,8 +46,10 @@ bool placeExecutable(const fs::path& unpacked)
 
     fs::path partial = kExecutable;
     partial += ".part";
+    // A copy goes through a link; whatever an earlier attempt has left there makes room.
+    toolkit::RemoveAll(partial);
     error.clear();
-    fs::copy_file(unpacked, partial, fs::copy_options::overwrite_existing, error);
+    fs::copy_file(unpacked, partial, error);
     if (!error)
         fs::rename(partial, kExecutable, error);
     if (error)

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QSettings>
+#include <QStorageInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -42,6 +43,7 @@ private slots:
     void outcomes();
     void killed_data();
     void killed();
+    void temporaryFolderOnAnotherVolume();
     void runningManager();
     void nextStartRemovesTheParkedBuild();
 
@@ -235,6 +237,24 @@ void TestSelfUpdate::killed()
     update(kGoodPackage, &exitCode);
     QCOMPARE(exitCode, 0);
     QVERIFY(started().startsWith("new 0 "));
+}
+
+void TestSelfUpdate::temporaryFolderOnAnotherVolume()
+{
+    QTemporaryDir elsewhere("/dev/shm/tst_selfupdate-XXXXXX");
+    if (!elsewhere.isValid() || QStorageInfo(elsewhere.path()) == QStorageInfo(m_folder->path()))
+        QSKIP("no second volume here");
+    QVERIFY(QFile::link(elsewhere.path(), path("tmp")));
+    // What an attempt that was broken off while it copied may have left.
+    put("victim", "untouched");
+    QVERIFY(QFile::link(path("victim"), path("Velstrand.exe.part")));
+    int exitCode = -1;
+    const QString log = update(kGoodPackage, &exitCode);
+    QVERIFY2(exitCode == 0, qPrintable(log));
+    QVERIFY2(started().startsWith("new 0 "), qPrintable(log));
+    QCOMPARE(content("Velstrand.exe"), program("new"));
+    QCOMPARE(content("victim"), QByteArray("untouched"));
+    QVERIFY(!QFileInfo(path("Velstrand.exe.part")).isSymLink());
 }
 
 void TestSelfUpdate::runningManager()
