@@ -41,7 +41,8 @@ DelayProxy::DelayProxy(int servicePort, int roundTripMs)
     m_listener = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = loopback(0);
     socklen_t length = sizeof address;
-    if (bind(m_listener, reinterpret_cast<sockaddr*>(&address), length) != 0 || listen(m_listener, 16) != 0 ||
+    if (m_listener < 0 || bind(m_listener, reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+        listen(m_listener, 16) != 0 ||
         getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &length) != 0) {
         std::perror("DelayProxy");
         std::abort();
@@ -71,7 +72,7 @@ void DelayProxy::accept()
             return;
         const int service = socket(AF_INET, SOCK_STREAM, 0);
         sockaddr_in address = loopback(m_servicePort);
-        if (connect(service, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
+        if (service < 0 || connect(service, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
             shutdown(client, SHUT_RDWR);
         sendWithoutDelay(client);
         sendWithoutDelay(service);

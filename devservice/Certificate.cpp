@@ -1,7 +1,8 @@
 #include "devservice/Certificate.h"
 
+#include <QRandomGenerator>
+
 #include <openssl/pem.h>
-#include <openssl/rand.h>
 #include <openssl/x509v3.h>
 
 #include <initializer_list>
@@ -15,16 +16,6 @@ using ExtensionPtr = std::unique_ptr<X509_EXTENSION, OpenSslFree<X509_EXTENSION_
 using Extensions = std::initializer_list<std::pair<int, const char*>>;
 
 constexpr long daySeconds = 24 * 60 * 60;
-
-bool setSerial(X509* certificate)
-{
-    // 63 bits: positive, and never the same twice, which Schannel's certificate cache relies on.
-    quint64 serial = 0;
-    if (RAND_bytes(reinterpret_cast<unsigned char*>(&serial), sizeof(serial)) != 1) {
-        return false;
-    }
-    return ASN1_INTEGER_set_uint64(X509_get_serialNumber(certificate), serial >> 1) == 1;
-}
 
 bool addExtensions(X509* certificate, X509* issuer, Extensions extensions)
 {
@@ -43,18 +34,17 @@ bool addExtensions(X509* certificate, X509* issuer, Extensions extensions)
 X509Ptr issue(const char* commonName, EVP_PKEY* key, X509* issuer, EVP_PKEY* issuerKey, Extensions extensions)
 {
     X509Ptr certificate(X509_new());
-    if (!certificate || !setSerial(certificate.get())) {
-        return nullptr;
-    }
     X509* const x509 = certificate.get();
-    X509_NAME* const subject = X509_get_subject_name(x509);
     X509* const authority = issuer ? issuer : x509;
+    // 63 bits: positive, and never the same twice, which Schannel's certificate cache relies on.
+    const quint64 serial = QRandomGenerator::system()->generate64() >> 1;
     const bool ok =
+        x509 && ASN1_INTEGER_set_uint64(X509_get_serialNumber(x509), serial) == 1 &&
         X509_set_version(x509, X509_VERSION_3) == 1 &&
         X509_gmtime_adj(X509_getm_notBefore(x509), -daySeconds) != nullptr &&
         X509_gmtime_adj(X509_getm_notAfter(x509), 7 * daySeconds) != nullptr &&
         X509_set_pubkey(x509, key) == 1 &&
-        X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_UTF8,
+        X509_NAME_add_entry_by_txt(X509_get_subject_name(x509), "CN", MBSTRING_UTF8,
                                    reinterpret_cast<const unsigned char*>(commonName), -1, -1, 0) == 1 &&
         X509_set_issuer_name(x509, X509_get_subject_name(authority)) == 1 &&
         addExtensions(x509, authority, extensions) && X509_sign(x509, issuerKey, EVP_sha256()) > 0;

@@ -1,6 +1,6 @@
 #include "devservice/Contract.h"
 
-#include "devservice/MemberChecks.h"
+#include "devservice/Checks.h"
 
 #include <QDate>
 #include <QJsonDocument>
@@ -12,63 +12,49 @@ namespace devservice {
 namespace {
 
 constexpr int administrator = 255;
-
-const QString token = QStringLiteral("token");
+constexpr char token[] = "token";
 
 } // namespace
 
 struct Contract::Operation {
-    QString path;
-    /// Besides the token.
-    std::vector<Member> members;
-    enum Who { Anybody, User, Administrator } who;
+    const char* path;
+    Who who;
+    /// What the body looks like, without the token.
+    const char* shape;
     Answer (Contract::*run)(const QJsonObject&);
 };
 
-const QVector<Contract::Operation>& Contract::operations()
-{
-    const Member androidId{QStringLiteral("android_id"), QJsonValue::String};
-    const Member deviceInfo{QStringLiteral("device_info"), QJsonValue::Object};
-    const Member clones{QStringLiteral("clones"), QJsonValue::Array};
-    const Member network{QStringLiteral("network"), QJsonValue::String};
-    const Member profileName{QStringLiteral("farm_profile"), QJsonValue::String};
-    const Member profile{QStringLiteral("farm_profile"), QJsonValue::Object};
-    const Member deviceConfig{QStringLiteral("device_config"), QJsonValue::Object};
-    const Member globalConfig{QStringLiteral("global_config"), QJsonValue::Object};
-    const Member dates{QStringLiteral("date_list"), QJsonValue::Array};
-    const Member version{QStringLiteral("version"), QJsonValue::Double};
-    const auto path = [](const char* name) { return QStringLiteral("/api/v1/") + QLatin1String(name); };
-
-    static const QVector<Operation> table = {
-        {path("user/get-info"), {}, Operation::Anybody, &Contract::getUserInfo},
-        {path("user/upsert-farm-profile"), {profile}, Operation::User, &Contract::upsertFarmProfile},
-        {path("config/get-global"), {}, Operation::User, &Contract::getGlobalConfig},
-        {path("config/update-global"),
-         {globalConfig},
-         Operation::Administrator,
-         &Contract::updateGlobalConfig},
-        {path("device/list"), {}, Operation::User, &Contract::deviceList},
-        {path("device/confirm"), {deviceInfo}, Operation::User, &Contract::confirmDevice},
-        {path("device/delete"), {deviceInfo}, Operation::User, &Contract::deleteDevice},
-        {path("device/save-config"), {androidId, deviceConfig}, Operation::User, &Contract::saveDeviceConfig},
-        {path("clone/list"), {androidId}, Operation::User, &Contract::cloneList},
-        {path("clone/add"), {network, clones}, Operation::User, &Contract::addClones},
-        {path("clone/reset-live"), {clones}, Operation::User, &Contract::resetClones},
-        {path("clone/delete"), {clones}, Operation::User, &Contract::deleteClones},
-        {path("clone/update-farm-profile"),
-         {profileName, clones},
-         Operation::User,
-         &Contract::updateCloneProfile},
-        {path("reports/get"), {dates}, Operation::User, &Contract::getReports},
-        {path("definitions/get"), {version}, Operation::User, &Contract::getDefinitions},
-    };
-    return table;
-}
-
-Contract::Contract(Farm farm)
-{
-    setFarm(farm);
-}
+const Contract::Operation Contract::operations[] = {
+    {"/api/v1/user/get-info", Anybody, "{}", &Contract::getUserInfo},
+    {"/api/v1/user/upsert-farm-profile", User, R"({"farm_profile":{"name":"","farm_action_config":{}}})",
+     &Contract::upsertFarmProfile},
+    {"/api/v1/config/get-global", User, "{}", &Contract::getGlobalConfig},
+    {"/api/v1/config/update-global", Administrator, R"({"global_config":{
+        "velstrand_dropbox_token?":"",
+        "velstrand_android_app_version?":"",
+        "velstrand_android_app_path?":"",
+        "facebook_app_version?":"",
+        "velstrand_manager_app_version?":"",
+        "velstrand_manager_app_path?":"",
+        "velstrand_definition_version?":""}})",
+     &Contract::updateGlobalConfig},
+    {"/api/v1/device/list", User, "{}", &Contract::deviceList},
+    {"/api/v1/device/confirm", User, R"({"device_info":{"android_id":""}})", &Contract::confirmDevice},
+    {"/api/v1/device/delete", User, R"({"device_info":{"android_id":""}})", &Contract::deleteDevice},
+    {"/api/v1/device/save-config", User,
+     R"({"android_id":"","device_config":{"connectivity_type":0,"device_label":""}})",
+     &Contract::saveDeviceConfig},
+    {"/api/v1/clone/list", User, R"({"android_id":""})", &Contract::cloneList},
+    {"/api/v1/clone/add", User,
+     R"({"network":"","clones":[{"uid":"","password":"","secretkey?":"","farm_profile":""}]})",
+     &Contract::addClones},
+    {"/api/v1/clone/reset-live", User, R"({"clones":[{"id":""}]})", &Contract::resetClones},
+    {"/api/v1/clone/delete", User, R"({"clones":[{"id":""}]})", &Contract::deleteClones},
+    {"/api/v1/clone/update-farm-profile", User, R"({"farm_profile":"","clones":[{"id":""}]})",
+     &Contract::updateCloneProfile},
+    {"/api/v1/reports/get", User, R"({"date_list":[""]})", &Contract::getReports},
+    {"/api/v1/definitions/get", User, R"({"version":1})", &Contract::getDefinitions},
+};
 
 Farm Contract::farm() const
 {
@@ -82,87 +68,65 @@ void Contract::setFarm(const Farm& farm)
     m_farm = farm;
     m_deviceList = {};
     m_cloneList = {};
-    m_nextCloneNumber = m_farm.clones.size() + 1;
 }
 
-bool Contract::knows(const QString& path)
+Answer Contract::answer(const QString& method, const QString& path, const QString& contentType,
+                        const QByteArray& body)
 {
-    for (const Operation& operation : operations()) {
-        if (operation.path == path) {
-            return true;
-        }
+    const auto* const operation = std::find_if(std::begin(operations), std::end(operations),
+                                               [&path](const Operation& each) { return path == each.path; });
+    if (operation == std::end(operations) && path != definitionsPushPath) {
+        throw Refusal{404, "unknown path: " + path};
     }
-    return path == QLatin1String("/api/v1/definitions/push");
-}
+    if (method != "POST") {
+        throw Refusal{405, "the method must be POST"};
+    }
+    if (contentType.section(';', 0, 0).trimmed().toLower() != "application/json") {
+        throw Refusal{415, "the content type must be application/json"};
+    }
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(body, &error);
+    if (!document.isObject()) {
+        const QString reason =
+            error.error == QJsonParseError::NoError ? QString() : ": " + error.errorString();
+        throw Refusal{400, "the body is no JSON object" + reason};
+    }
+    QJsonObject shape = QJsonDocument::fromJson(operation->shape).object();
+    shape.insert(token, "");
+    requireShape(document.object(), shape, "the request");
 
-Answer Contract::answer(const QString& path, const QByteArray& contentType, const QByteArray& body)
-{
-    const auto& table = operations();
-    const auto operation = std::find_if(table.begin(), table.end(),
-                                        [&path](const Operation& each) { return each.path == path; });
-    if (operation == table.end()) {
-        return refused(404, QStringLiteral("unknown path: ") + path);
-    }
-    try {
-        if (contentType.split(';').first().trimmed().toLower() != "application/json") {
-            throw Refusal{415, QStringLiteral("the content type must be application/json")};
-        }
-        QJsonParseError error;
-        const QJsonDocument document = QJsonDocument::fromJson(body, &error);
-        if (!document.isObject()) {
-            const QString reason =
-                error.error == QJsonParseError::NoError ? QString() : ": " + error.errorString();
-            throw Refusal{400, QStringLiteral("the body is no JSON object") + reason};
-        }
-        const QJsonObject object = document.object();
-        std::vector<Member> members = operation->members;
-        members.push_back({token, QJsonValue::String});
-        requireMembers(object, QStringLiteral("the request"), members);
-
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (operation->who != Operation::Anybody) {
-            requireUser(object.value(token).toString(), operation->who == Operation::Administrator);
-        }
-        return (this->*operation->run)(object);
-    } catch (const Refusal& refusal) {
-        return refused(refusal.status, refusal.message);
-    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    requireUser(document[token].toString(), operation->who);
+    return (this->*operation->run)(document.object());
 }
 
 Answer Contract::answer(const DefinitionsPush& push)
 {
-    try {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        requireUser(push.token, true);
-        if (push.fields != QStringList{QStringLiteral("version")} ||
-            push.files != QStringList{QStringLiteral("definitions")}) {
-            throw Refusal{
-                400, QStringLiteral("the form must have one field \"version\" and one file \"definitions\"")};
-        }
-        bool isNumber = false;
-        const int version = push.version.toInt(&isNumber);
-        if (!isNumber || version <= 0 || QByteArray::number(version) != push.version) {
-            throw Refusal{400, QStringLiteral("version must be a decimal number above 0")};
-        }
-        m_farm.definitionsVersion = version;
-        m_farm.definitionsFileName = push.fileName;
-        m_farm.definitionsSize = push.size;
-        m_farm.definitionsSha256 = push.sha256;
-        m_farm.globalConfig.insert(QStringLiteral("velstrand_definition_version"), QString::number(version));
-        return done();
-    } catch (const Refusal& refusal) {
-        return refused(refusal.status, refusal.message);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    requireUser(push.token, Administrator);
+    if (!push.isValid) {
+        throw Refusal{400, "the body must be a form of the field \"version\" and the file \"definitions\""};
     }
+    const int version = push.version.toInt();
+    if (version <= 0 || QByteArray::number(version) != push.version) {
+        throw Refusal{400, "version must be a decimal number above 0"};
+    }
+    m_farm.definitionsVersion = version;
+    m_farm.definitionsFileName = push.fileName;
+    m_farm.definitionsSize = push.size;
+    m_farm.definitionsSha256 = push.sha256;
+    m_farm.globalConfig.insert("velstrand_definition_version", QString::number(version));
+    return done();
 }
 
-void Contract::requireUser(const QString& userToken, bool needsAdministrator) const
+void Contract::requireUser(const QString& userToken, Who who) const
 {
     const auto user = m_farm.users.constFind(userToken);
-    if (user == m_farm.users.constEnd()) {
-        throw Refusal{401, QStringLiteral("unknown token")};
+    if (who != Anybody && user == m_farm.users.constEnd()) {
+        throw Refusal{401, "unknown token"};
     }
-    if (needsAdministrator && user->value(QStringLiteral("user_type")).toInt() != administrator) {
-        throw Refusal{403, QStringLiteral("only an administrator may do this")};
+    if (who == Administrator && user->value("user_type").toInt() != administrator) {
+        throw Refusal{403, "only an administrator may do this"};
     }
 }
 
@@ -175,21 +139,17 @@ Answer Contract::getUserInfo(const QJsonObject& body)
 
 Answer Contract::upsertFarmProfile(const QJsonObject& body)
 {
-    const QString name = QStringLiteral("name");
-    const QString actions = QStringLiteral("farm_action_config");
-    const QJsonObject profile = body.value(QStringLiteral("farm_profile")).toObject();
-    requireMembers(profile, QStringLiteral("farm_profile"),
-                   {{name, QJsonValue::String}, {actions, QJsonValue::Object}});
-    const QString profileName = requireText(profile.value(name), QStringLiteral("the name of a profile"));
-    const QJsonObject config = profile.value(actions).toObject();
+    const QJsonValue profile = body["farm_profile"];
+    const QString name = requireText(profile["name"], "the name of a profile");
+    const QJsonObject config = profile["farm_action_config"].toObject();
     for (auto it = config.begin(); it != config.end(); ++it) {
-        requireText(it.key(), QStringLiteral("the name of an action"));
-        requireInteger(it.value(), QStringLiteral("the percentage of ") + it.key(), 0, 100);
+        requireText(it.key(), "the name of an action");
+        requireInteger(it.value(), "the percentage of " + it.key(), 0, 100);
     }
     QJsonObject& user = m_farm.users[body.value(token).toString()];
-    QJsonObject profiles = user.value(QStringLiteral("farm_profiles")).toObject();
-    profiles.insert(profileName, config);
-    user.insert(QStringLiteral("farm_profiles"), profiles);
+    QJsonObject profiles = user.value("farm_profiles").toObject();
+    profiles.insert(name, config);
+    user.insert("farm_profiles", profiles);
     return done();
 }
 
@@ -200,17 +160,7 @@ Answer Contract::getGlobalConfig(const QJsonObject&)
 
 Answer Contract::updateGlobalConfig(const QJsonObject& body)
 {
-    static const QStringList keys = {
-        QStringLiteral("velstrand_dropbox_token"),       QStringLiteral("velstrand_android_app_version"),
-        QStringLiteral("velstrand_android_app_path"),    QStringLiteral("facebook_app_version"),
-        QStringLiteral("velstrand_manager_app_version"), QStringLiteral("velstrand_manager_app_path"),
-        QStringLiteral("velstrand_definition_version")};
-    std::vector<Member> members;
-    for (const QString& key : keys) {
-        members.push_back({key, QJsonValue::String, true});
-    }
-    const QJsonObject config = body.value(QStringLiteral("global_config")).toObject();
-    requireMembers(config, QStringLiteral("global_config"), members);
+    const QJsonObject config = body["global_config"].toObject();
     for (auto it = config.begin(); it != config.end(); ++it) {
         requireText(it.value(), it.key());
     }
@@ -222,14 +172,13 @@ Answer Contract::updateGlobalConfig(const QJsonObject& body)
 
 Answer Contract::getReports(const QJsonObject& body)
 {
-    const QString format = QStringLiteral("yyyy-M-d");
+    const QString format = "yyyy-M-d";
     QJsonObject reports;
-    const QJsonArray dates = body.value(QStringLiteral("date_list")).toArray();
+    const QJsonArray dates = body.value("date_list").toArray();
     for (const QJsonValue date : dates) {
         const QString text = date.toString();
         if (text.isEmpty() || QDate::fromString(text, format).toString(format) != text) {
-            throw Refusal{400, QStringLiteral("date_list holds something else than a date like 2024-3-1: ") +
-                                   text};
+            throw Refusal{400, "date_list holds something else than a date like 2024-3-1: " + text};
         }
         if (m_farm.reports.contains(text)) {
             reports.insert(text, m_farm.reports.value(text));
@@ -240,8 +189,7 @@ Answer Contract::getReports(const QJsonObject& body)
 
 Answer Contract::getDefinitions(const QJsonObject& body)
 {
-    requireInteger(body.value(QStringLiteral("version")), QStringLiteral("version"), 1,
-                   std::numeric_limits<int>::max());
+    requireInteger(body.value("version"), "version", 1, std::numeric_limits<int>::max());
     Answer answer;
     answer.type = QByteArrayLiteral("application/zip");
     answer.body = m_farm.definitionsArchive;

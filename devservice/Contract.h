@@ -1,42 +1,51 @@
 #pragma once
 
-#include "devservice/DevService.h"
+#include "devservice/DefinitionsPush.h"
 #include "devservice/Envelope.h"
+
+#include <QHash>
+#include <QJsonArray>
+#include <QVector>
 
 #include <mutex>
 
 namespace devservice {
 
-/// What a definitions push brought.
-struct DefinitionsPush {
-    QString token;
-    /// Names of the parts without and with a file name, in order.
-    QStringList fields;
-    QStringList files;
-    QByteArray version;
-    QString fileName;
-    qint64 size = 0;
-    QByteArray sha256;
+/// The whole state of the farm, as the service keeps it. Records have the members of the wire form.
+struct Farm {
+    QJsonArray devices;
+    QJsonArray clones;
+    QJsonObject globalConfig;
+    /// The answer to get-info, by token.
+    QHash<QString, QJsonObject> users;
+    /// Reports by date, "yyyy-M-d".
+    QJsonObject reports;
+    /// What the last definitions push brought.
+    int definitionsVersion = 0;
+    QString definitionsFileName;
+    qint64 definitionsSize = 0;
+    QByteArray definitionsSha256;
+    /// The archive that the definitions fetch answers; the service makes one at start.
+    QByteArray definitionsArchive;
 };
 
 /// The rules of the service: checks requests, changes the farm and words the answers. Any thread.
 class Contract
 {
 public:
-    explicit Contract(Farm farm);
-
     Farm farm() const;
     void setFarm(const Farm& farm);
 
-    /// True for the paths that a JSON request may be posted to, and for the definitions push.
-    static bool knows(const QString& path);
-    /// Answers a JSON request.
-    Answer answer(const QString& path, const QByteArray& contentType, const QByteArray& body);
+    /// Answers a request for @p path that is no definitions push; throws a Refusal.
+    Answer answer(const QString& method, const QString& path, const QString& contentType,
+                  const QByteArray& body);
+    /// The same for a definitions push.
     Answer answer(const DefinitionsPush& push);
 
 private:
+    enum Who { Anybody, User, Administrator };
     struct Operation;
-    static const QVector<Operation>& operations();
+    static const Operation operations[];
 
     Answer getUserInfo(const QJsonObject& body);
     Answer getGlobalConfig(const QJsonObject& body);
@@ -54,10 +63,9 @@ private:
     Answer upsertFarmProfile(const QJsonObject& body);
     Answer getDefinitions(const QJsonObject& body);
 
-    void requireUser(const QString& token, bool administrator) const;
+    void requireUser(const QString& token, Who who) const;
     int deviceIndex(const QJsonValue& androidId) const;
-    int deviceInfoIndex(const QJsonObject& body) const;
-    void setDevice(int index, const QString& key, const QJsonValue& value);
+    void setDevice(const QJsonValue& androidId, const QString& key, const QJsonValue& value);
     void setOnClones(const QJsonObject& body, const QString& key, const QJsonValue& value);
     QVector<int> cloneIndexes(const QJsonObject& body) const;
 
@@ -66,7 +74,6 @@ private:
     /// The whole lists as answers; an empty body when the list has changed since.
     Answer m_deviceList;
     Answer m_cloneList;
-    int m_nextCloneNumber = 0;
 };
 
 } // namespace devservice

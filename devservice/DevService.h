@@ -1,14 +1,12 @@
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
-#include <QJsonArray>
-#include <QJsonObject>
-#include <QString>
-#include <QStringList>
-#include <QVector>
+#include "devservice/Contract.h"
+#include "devservice/HttpsServer.h"
+#include "devservice/SampleFarm.h"
 
-#include <memory>
+#include <QTemporaryDir>
+
+#include <optional>
 
 /// A stand-in for the remote service: a real HTTPS server on the loopback address that speaks the whole
 /// contract over a farm held in memory. For trying the program, for its tests and for its benchmarks.
@@ -51,79 +49,67 @@ enum class Fault {
     DropAfterwards,
 };
 
-/// One request as it arrived.
-struct Request {
-    QString method;
-    QString path;
-    /// Empty for a definitions push, whose content is summed up in the farm.
-    QByteArray body;
-    /// Values by name, in the spelling of the wire.
-    QHash<QString, QString> headers;
-    /// The same as they came over the wire, in order, one "Name: value" a line.
-    QStringList headerLines;
-    /// Port of the client's end: the same port means the same connection.
-    int remotePort = 0;
-};
-
-/// The whole state of the farm, as the service keeps it. Records have the members of the wire form.
-struct Farm {
-    QJsonArray devices;
-    QJsonArray clones;
-    QJsonObject globalConfig;
-    /// The answer to get-info, by token.
-    QHash<QString, QJsonObject> users;
-    /// Reports by date, "yyyy-M-d".
-    QJsonObject reports;
-    /// What the last definitions push brought.
-    int definitionsVersion = 0;
-    QString definitionsFileName;
-    qint64 definitionsSize = 0;
-    QByteArray definitionsSha256;
-    /// The archive that the definitions fetch answers; the service makes one at start.
-    QByteArray definitionsArchive;
-};
-
 class DevService
 {
 public:
     explicit DevService(Options options = {});
-    /// Stops the server and waits for its threads.
-    ~DevService();
 
-    /// Listens; false with errorText() set when it cannot.
+    /// Makes the sample farm and listens; false with errorText() set when it cannot. Destruction stops the
+    /// server and waits for its threads.
     bool start();
-    QString errorText() const;
+    QString errorText() const { return m_errorText; }
 
     /// "https://localhost:PORT"
-    QString origin() const;
-    int port() const;
+    QString origin() const { return QStringLiteral("https://localhost:%1").arg(m_port); }
+    int port() const { return m_port; }
     /// PEM file with the certificate that clients must trust; removed with the service.
-    QString caFile() const;
-    QString adminToken() const;
-    QString userToken() const;
+    QString caFile() const { return m_folder.filePath("ca.pem"); }
+    QString adminToken() const { return sampleAdminToken; }
+    QString userToken() const { return sampleUserToken; }
 
     /// A copy of the farm as it stands. Any thread.
-    Farm farm() const;
+    Farm farm() const { return m_contract.farm(); }
     /// Replaces the farm. Any thread.
-    void setFarm(const Farm& farm);
+    void setFarm(const Farm& farm) { m_contract.setFarm(farm); }
     /// Sets what goes wrong for @p path ("/api/v1/..."). Any thread.
     void setFault(const QString& path, Fault fault);
     /// Answers requests to @p path with just this, unless a fault is set for it. Any thread.
     void setReply(const QString& path, int status, const QByteArray& json);
     /// Back to answering everything as the contract says.
     void clearFaults();
-    void setLatency(int ms);
+    void setLatency(int ms) { m_server.setLatency(ms); }
     /// Every request since the start or since clearRequests(), in order of arrival.
     QVector<Request> requests() const;
     /// The same, of one path.
     QVector<Request> requests(const QString& path) const;
     void clearRequests();
     /// Connections accepted since the start.
-    int connections() const;
+    int connections() const { return m_server.connections(); }
 
 private:
-    class Impl;
-    std::unique_ptr<Impl> d;
+    /// What the service does for one path.
+    struct Behaviour {
+        Fault fault = Fault::None;
+        std::optional<Answer> reply;
+    };
+
+    bool serve(Exchange& exchange);
+    Answer answerOf(const Exchange& exchange);
+    Behaviour behaviourFor(const QString& path) const;
+
+    const Options m_options;
+    const int m_version;
+    const QString m_packagePath;
+    QTemporaryDir m_folder;
+    QString m_errorText;
+    int m_port = 0;
+    Contract m_contract;
+    mutable std::mutex m_mutex;
+    /// Both guarded by the mutex: connections write and read them, tests read and write them.
+    QVector<Request> m_requests;
+    QHash<QString, Behaviour> m_behaviours;
+    /// Last, so that its threads have ended before anything that they use goes.
+    HttpsServer m_server;
 };
 
 } // namespace devservice

@@ -6,14 +6,15 @@
 
 namespace devservice {
 
-/// What the service answers; the body is @p file when that is not empty.
+/// What the service answers.
 struct Answer {
     int status = 200;
     QByteArray type = QByteArrayLiteral("application/json");
     QByteArray body;
     /// The body compressed; empty where that does not pay.
-    QByteArray gzip;
-    QString file;
+    QByteArray gzip = QByteArray();
+    /// Rate at which it is sent; 0 for no limit.
+    int bytesPerSecond = 0;
 };
 
 /// {"code":200,"success":true,"message":"","data":...}

@@ -1,8 +1,11 @@
 #include "devservice/Contract.h"
 
-#include "devservice/MemberChecks.h"
+#include "devservice/Checks.h"
 
 #include <QSet>
+#include <QUuid>
+
+#include <algorithm>
 
 namespace devservice {
 namespace {
@@ -10,59 +13,25 @@ namespace {
 constexpr int confirmedDevice = 1;
 constexpr int liveClone = 1;
 
-/// Clones that nobody has given these members yet have them empty.
-QJsonObject newClone(const QString& id, const QString& network, const QString& userId,
-                     const QJsonObject& given)
-{
-    QJsonObject clone{
-        {"id", id},
-        {"cookies", ""},
-        {"device_id", ""},
-        {"email", ""},
-        {"firstname", ""},
-        {"lastname", ""},
-        {"mail_password", ""},
-        {"network", network},
-        {"novery", false},
-        {"restriction", 1},
-        {"secretkey", ""},
-        {"secure_flags", 0},
-        {"status", liveClone},
-        {"user_id", userId},
-    };
-    for (auto it = given.begin(); it != given.end(); ++it) {
-        clone.insert(it.key(), it.value());
-    }
-    return clone;
-}
-
 } // namespace
 
 int Contract::deviceIndex(const QJsonValue& androidId) const
 {
     for (int i = 0; i < m_farm.devices.size(); ++i) {
-        if (m_farm.devices.at(i).toObject().value(QStringLiteral("android_id")) == androidId) {
+        if (m_farm.devices.at(i)["android_id"] == androidId) {
             return i;
         }
     }
-    throw Refusal{404, QStringLiteral("unknown device: ") + androidId.toString()};
+    throw Refusal{404, "unknown device: " + androidId.toString()};
 }
 
-void Contract::setDevice(int index, const QString& key, const QJsonValue& value)
+void Contract::setDevice(const QJsonValue& androidId, const QString& key, const QJsonValue& value)
 {
+    const int index = deviceIndex(androidId);
     QJsonObject device = m_farm.devices.at(index).toObject();
     device.insert(key, value);
     m_farm.devices.replace(index, device);
     m_deviceList = {};
-}
-
-/// The index of the device that "device_info" names.
-int Contract::deviceInfoIndex(const QJsonObject& body) const
-{
-    const QString androidId = QStringLiteral("android_id");
-    const QJsonObject info = body.value(QStringLiteral("device_info")).toObject();
-    requireMembers(info, QStringLiteral("device_info"), {{androidId, QJsonValue::String}});
-    return deviceIndex(info.value(androidId));
 }
 
 Answer Contract::deviceList(const QJsonObject&)
@@ -75,36 +44,32 @@ Answer Contract::deviceList(const QJsonObject&)
 
 Answer Contract::confirmDevice(const QJsonObject& body)
 {
-    setDevice(deviceInfoIndex(body), QStringLiteral("status"), confirmedDevice);
+    setDevice(body["device_info"]["android_id"], "status", confirmedDevice);
     return done();
 }
 
 Answer Contract::deleteDevice(const QJsonObject& body)
 {
-    m_farm.devices.removeAt(deviceInfoIndex(body));
+    m_farm.devices.removeAt(deviceIndex(body["device_info"]["android_id"]));
     m_deviceList = {};
     return done();
 }
 
 Answer Contract::saveDeviceConfig(const QJsonObject& body)
 {
-    const QString connectivity = QStringLiteral("connectivity_type");
-    const QJsonObject config = body.value(QStringLiteral("device_config")).toObject();
-    requireMembers(
-        config, QStringLiteral("device_config"),
-        {{connectivity, QJsonValue::Double}, {QStringLiteral("device_label"), QJsonValue::String}});
-    requireInteger(config.value(connectivity), connectivity, 0, 1);
-    setDevice(deviceIndex(body.value(QStringLiteral("android_id"))), QStringLiteral("device_config"), config);
+    const QJsonValue config = body["device_config"];
+    requireInteger(config["connectivity_type"], "connectivity_type", 0, 1);
+    setDevice(body["android_id"], "device_config", config);
     return done();
 }
 
 Answer Contract::cloneList(const QJsonObject& body)
 {
-    const QJsonValue androidId = body.value(QStringLiteral("android_id"));
+    const QJsonValue androidId = body["android_id"];
     if (!androidId.toString().isEmpty()) {
         QJsonArray clones;
         for (const QJsonValue clone : qAsConst(m_farm.clones)) {
-            if (clone.toObject().value(QStringLiteral("device_id")) == androidId) {
+            if (clone["device_id"] == androidId) {
                 clones.append(clone);
             }
         }
@@ -118,42 +83,38 @@ Answer Contract::cloneList(const QJsonObject& body)
 
 Answer Contract::addClones(const QJsonObject& body)
 {
-    const QString uid = QStringLiteral("uid");
-    const QString network = body.value(QStringLiteral("network")).toString();
-    if (network != QLatin1String("facebook") && network != QLatin1String("tiktok")) {
-        throw Refusal{400, QStringLiteral("unknown network: ") + network};
+    const QJsonValue network = body["network"];
+    if (network != "facebook" && network != "tiktok") {
+        throw Refusal{400, "unknown network: " + network.toString()};
     }
-    QSet<QString> ids;
     QSet<QString> uids;
     for (const QJsonValue clone : qAsConst(m_farm.clones)) {
-        const QJsonObject object = clone.toObject();
-        ids.insert(object.value(QStringLiteral("id")).toString());
-        if (object.value(QStringLiteral("network")).toString() == network) {
-            uids.insert(object.value(uid).toString());
+        if (clone["network"] == network) {
+            uids.insert(clone["uid"].toString());
         }
     }
-    const QJsonArray given = body.value(QStringLiteral("clones")).toArray();
+    const QJsonArray given = body["clones"].toArray();
     for (const QJsonValue clone : given) {
-        requireMembers(clone.toObject(), QStringLiteral("an entry of clones"),
-                       {{uid, QJsonValue::String},
-                        {QStringLiteral("password"), QJsonValue::String},
-                        {QStringLiteral("secretkey"), QJsonValue::String, true},
-                        {QStringLiteral("farm_profile"), QJsonValue::String}});
-        const QString newUid = requireText(clone.toObject().value(uid), uid);
-        if (uids.contains(newUid)) {
-            throw Refusal{409, QStringLiteral("there is a clone with this uid already: ") + newUid};
+        const QString uid = requireText(clone["uid"], "uid");
+        if (uids.contains(uid)) {
+            throw Refusal{409, "there is a clone with this uid already: " + uid};
         }
-        uids.insert(newUid);
+        uids.insert(uid);
     }
-    const QString owner = m_farm.users.value(body.value(QStringLiteral("token")).toString())
-                              .value(QStringLiteral("username"))
-                              .toString();
     for (const QJsonValue clone : given) {
-        QString id;
-        do {
-            id = QStringLiteral("c-%1").arg(m_nextCloneNumber++);
-        } while (ids.contains(id));
-        m_farm.clones.append(newClone(id, network, owner, clone.toObject()));
+        QJsonObject added = clone.toObject();
+        added.insert("id", QUuid::createUuid().toString(QUuid::WithoutBraces));
+        added.insert("network", network);
+        added.insert("user_id", m_farm.users.value(body["token"].toString()).value("username"));
+        added.insert("status", liveClone);
+        added.insert("restriction", 1);
+        added.insert("secure_flags", 0);
+        added.insert("novery", false);
+        added.insert("secretkey", clone["secretkey"].toString());
+        for (const char* text : {"cookies", "device_id", "email", "firstname", "lastname", "mail_password"}) {
+            added.insert(text, "");
+        }
+        m_farm.clones.append(added);
     }
     m_cloneList = {};
     return done();
@@ -162,16 +123,19 @@ Answer Contract::addClones(const QJsonObject& body)
 /// The places of the clones that "clones" names, each once; refuses all when one is unknown.
 QVector<int> Contract::cloneIndexes(const QJsonObject& body) const
 {
-    const QStringList ids = requireIds(body.value(QStringLiteral("clones")).toArray());
-    QSet<QString> wanted(ids.begin(), ids.end());
+    QSet<QString> wanted;
+    const QJsonArray named = body["clones"].toArray();
+    for (const QJsonValue clone : named) {
+        wanted.insert(clone["id"].toString());
+    }
     QVector<int> indexes;
     for (int i = 0; i < m_farm.clones.size() && !wanted.isEmpty(); ++i) {
-        if (wanted.remove(m_farm.clones.at(i).toObject().value(QStringLiteral("id")).toString())) {
+        if (wanted.remove(m_farm.clones.at(i)["id"].toString())) {
             indexes.append(i);
         }
     }
     if (!wanted.isEmpty()) {
-        throw Refusal{404, QStringLiteral("unknown clone: ") + *wanted.begin()};
+        throw Refusal{404, "unknown clone: " + *wanted.begin()};
     }
     return indexes;
 }
@@ -188,7 +152,7 @@ void Contract::setOnClones(const QJsonObject& body, const QString& key, const QJ
 
 Answer Contract::resetClones(const QJsonObject& body)
 {
-    setOnClones(body, QStringLiteral("status"), liveClone);
+    setOnClones(body, "status", liveClone);
     return done();
 }
 
@@ -196,11 +160,8 @@ Answer Contract::deleteClones(const QJsonObject& body)
 {
     const QVector<int> gone = cloneIndexes(body);
     QJsonArray kept;
-    auto next = gone.begin();
     for (int i = 0; i < m_farm.clones.size(); ++i) {
-        if (next != gone.end() && *next == i) {
-            ++next;
-        } else {
+        if (!std::binary_search(gone.begin(), gone.end(), i)) {
             kept.append(m_farm.clones.at(i));
         }
     }
@@ -211,8 +172,7 @@ Answer Contract::deleteClones(const QJsonObject& body)
 
 Answer Contract::updateCloneProfile(const QJsonObject& body)
 {
-    const QString key = QStringLiteral("farm_profile");
-    setOnClones(body, key, requireText(body.value(key), key));
+    setOnClones(body, "farm_profile", requireText(body["farm_profile"], "farm_profile"));
     return done();
 }
 

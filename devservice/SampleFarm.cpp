@@ -1,36 +1,38 @@
 #include "devservice/SampleFarm.h"
 
-#include "devservice/DefinitionsArchive.h"
-
 #include <QDateTime>
 #include <QRandomGenerator>
 #include <QStringList>
 
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <memory>
+
 namespace devservice {
-
-const QString sampleAdminToken = QStringLiteral("admin-7c1e9a42d5");
-const QString sampleUserToken = QStringLiteral("user-2b8d5f10e7");
-
 namespace {
 
 // Records name their owner by the username.
-const QString adminName = QStringLiteral("thuha");
-const QString userName = QStringLiteral("qminh");
+const QString adminName = "thuha";
+const QString userName = "qminh";
 constexpr int reportDays = 10;
 constexpr int dayWithoutJobs = 6;
 constexpr int minuteMs = 60 * 1000;
+/// Agreed with the clients.
+constexpr char definitionsPassword[] = "0417385926";
+const QString base32 = "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567";
 
-template <typename T>
-const T& pick(QRandomGenerator& random, const QVector<T>& values)
+template <typename List>
+auto pick(QRandomGenerator& random, const List& values)
 {
     return values.at(random.bounded(values.size()));
 }
 
-QString digits(QRandomGenerator& random, int count)
+QString characters(QRandomGenerator& random, const QString& alphabet, int count)
 {
     QString text;
     for (int i = 0; i < count; ++i) {
-        text += QChar('0' + random.bounded(10));
+        text += alphabet.at(random.bounded(alphabet.size()));
     }
     return text;
 }
@@ -40,22 +42,10 @@ QString hex(QRandomGenerator& random)
     return QStringLiteral("%1").arg(random.generate64(), 16, 16, QLatin1Char('0'));
 }
 
-QString base32(QRandomGenerator& random, int count)
-{
-    const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZ234567");
-    QString text;
-    for (int i = 0; i < count; ++i) {
-        text += letters.at(random.bounded(letters.size()));
-    }
-    return text;
-}
-
 QJsonArray makeDevices(int count)
 {
     QRandomGenerator random(1);
-    const QVector<QString> models = {QStringLiteral("VX-210"), QStringLiteral("VX-340"),
-                                     QStringLiteral("KR-55"), QStringLiteral("LM-7 Lite"),
-                                     QStringLiteral("TN-900")};
+    const QStringList models{"VX-210", "VX-340", "KR-55", "LM-7 Lite", "TN-900"};
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     QJsonArray devices;
     for (int i = 0; i < count; ++i) {
@@ -78,61 +68,48 @@ QJsonArray makeDevices(int count)
     return devices;
 }
 
-QJsonObject makeClone(QRandomGenerator& random, int number, const QJsonArray& devices)
-{
-    static const QVector<QString> firstNames = {
-        QStringLiteral("Linh"), QStringLiteral("Minh"), QStringLiteral("Thảo"),  QStringLiteral("Huy"),
-        QStringLiteral("Mai"),  QStringLiteral("Quân"), QStringLiteral("Hương"), QStringLiteral("Nam")};
-    static const QVector<QString> lastNames = {QStringLiteral("Nguyễn"), QStringLiteral("Trần"),
-                                               QStringLiteral("Lê"),     QStringLiteral("Phạm"),
-                                               QStringLiteral("Hoàng"),  QStringLiteral("Vũ")};
-    static const QVector<QString> profiles = {QStringLiteral("Warm up"), QStringLiteral("Daily growth"),
-                                              QStringLiteral("Everything"), QString()};
-    static const QVector<int> states = {1, 1, 1, 1, 1, 1, 1, 2, 4, 8};
-    static const QVector<int> restrictions = {1, 1, 1, 1, 2, 4, 2 | 4, 8, 16, 2 | 4 | 8 | 16};
-
-    const bool tiktok = number % 9 == 7;
-    const int status = pick(random, states);
-    const bool placed = status != 8 && !devices.isEmpty() && number % 17 != 11;
-    const QString uid =
-        (tiktok ? QStringLiteral("72") : QStringLiteral("1000")) + digits(random, tiktok ? 17 : 11);
-    return QJsonObject{
-        {"id", QStringLiteral("c-%1").arg(number + 1)},
-        {"uid", uid},
-        {"cookies", QStringLiteral("uid=%1; session=%2").arg(uid, hex(random))},
-        {"device_id",
-         placed ? devices.at(random.bounded(devices.size())).toObject().value("android_id") : QString()},
-        {"email", QStringLiteral("%1@mail.example").arg(hex(random).left(10))},
-        {"firstname", pick(random, firstNames)},
-        {"lastname", pick(random, lastNames)},
-        {"mail_password", base32(random, 10)},
-        {"network", tiktok ? QStringLiteral("tiktok") : QStringLiteral("facebook")},
-        {"password", base32(random, 12)},
-        {"novery", number % 13 == 4},
-        {"restriction", pick(random, restrictions)},
-        {"secretkey", number % 3 == 0 ? QString() : base32(random, 32)},
-        {"secure_flags", random.bounded(4)},
-        {"status", status},
-        {"user_id", number % 5 == 3 ? userName : adminName},
-        {"farm_profile", pick(random, profiles)},
-    };
-}
-
 QJsonArray makeClones(int count, const QJsonArray& devices)
 {
+    const QStringList firstNames{"Linh", "Minh", "Thảo", "Huy", "Mai", "Quân", "Hương", "Nam"};
+    const QStringList lastNames{"Nguyễn", "Trần", "Lê", "Phạm", "Hoàng", "Vũ"};
+    const QStringList profiles{"Warm up", "Daily growth", "Everything", QString()};
+    const QVector<int> states{1, 1, 1, 1, 1, 1, 1, 2, 4, 8};
+    const QVector<int> restrictions{1, 1, 1, 1, 2, 4, 2 | 4, 8, 16, 2 | 4 | 8 | 16};
     QRandomGenerator random(2);
     QJsonArray clones;
     for (int i = 0; i < count; ++i) {
-        clones.append(makeClone(random, i, devices));
+        const bool tiktok = i % 9 == 7;
+        const int status = pick(random, states);
+        const bool placed = status != 8 && !devices.isEmpty() && i % 17 != 11;
+        const QString uid = (tiktok ? "72" : "1000") + characters(random, "0123456789", tiktok ? 17 : 11);
+        clones.append(QJsonObject{
+            {"id", QStringLiteral("c-%1").arg(i + 1)},
+            {"uid", uid},
+            {"cookies", QStringLiteral("uid=%1; session=%2").arg(uid, hex(random))},
+            {"device_id",
+             placed ? devices.at(random.bounded(devices.size())).toObject().value("android_id") : QString()},
+            {"email", hex(random).left(10) + "@mail.example"},
+            {"firstname", pick(random, firstNames)},
+            {"lastname", pick(random, lastNames)},
+            {"mail_password", characters(random, base32, 10)},
+            {"network", tiktok ? "tiktok" : "facebook"},
+            {"password", characters(random, base32, 12)},
+            {"novery", i % 13 == 4},
+            {"restriction", pick(random, restrictions)},
+            {"secretkey", i % 3 == 0 ? QString() : characters(random, base32, 32)},
+            {"secure_flags", random.bounded(4)},
+            {"status", status},
+            {"user_id", i % 5 == 3 ? userName : adminName},
+            {"farm_profile", pick(random, profiles)},
+        });
     }
     return clones;
 }
 
 QJsonObject makeReport(QRandomGenerator& random, const QJsonArray& devices)
 {
-    static const QStringList jobs = {
-        QStringLiteral("facebook_follow_type_1"), QStringLiteral("facebook_page_like_type_1"),
-        QStringLiteral("facebook_post_like_type_1"), QStringLiteral("tiktok_follow_type_1")};
+    static const QStringList jobs = {"facebook_follow_type_1", "facebook_page_like_type_1",
+                                     "facebook_post_like_type_1", "tiktok_follow_type_1"};
     QJsonObject details;
     QJsonObject total;
     for (const QJsonValue device : devices) {
@@ -159,7 +136,7 @@ QJsonObject makeReports(const QJsonArray& devices)
     QJsonObject reports;
     for (int day = 0; day < reportDays; ++day) {
         const QJsonArray active = day == dayWithoutJobs ? QJsonArray() : devices;
-        reports.insert(today.addDays(-day).toString(QStringLiteral("yyyy-M-d")), makeReport(random, active));
+        reports.insert(today.addDays(-day).toString("yyyy-M-d"), makeReport(random, active));
     }
     return reports;
 }
@@ -188,22 +165,51 @@ QHash<QString, QJsonObject> makeUsers()
     };
     const QJsonObject admin = {
         {"token", sampleAdminToken},
-        {"fullname", QStringLiteral("Trần Thu Hà")},
+        {"fullname", "Trần Thu Hà"},
         {"user_type", 255},
         {"username", adminName},
-        {"phonenumber", QStringLiteral("+84 55 501 0117")},
+        {"phonenumber", "+84 55 501 0117"},
         {"farm_profiles",
          QJsonObject{{"Warm up", warmUp}, {"Daily growth", growth}, {"Everything", everything}}},
     };
     const QJsonObject user = {
         {"token", sampleUserToken},
-        {"fullname", QStringLiteral("Lê Quang Minh")},
+        {"fullname", "Lê Quang Minh"},
         {"user_type", 1},
         {"username", userName},
-        {"phonenumber", QStringLiteral("+84 55 501 0142")},
+        {"phonenumber", "+84 55 501 0142"},
         {"farm_profiles", QJsonObject{{"Warm up", warmUp}, {"Weekend", growth}}},
     };
     return {{sampleAdminToken, admin}, {sampleUserToken, user}};
+}
+
+/// A zip archive with one encrypted entry, "definitions.txt"; empty on failure.
+QByteArray makeDefinitionsArchive(const QByteArray& content)
+{
+    const std::unique_ptr<archive, decltype(&archive_write_free)> writer(archive_write_new(),
+                                                                         archive_write_free);
+    const std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry(archive_entry_new(),
+                                                                              archive_entry_free);
+    archive_entry_set_pathname(entry.get(), "definitions.txt");
+    archive_entry_set_filetype(entry.get(), AE_IFREG);
+    archive_entry_set_perm(entry.get(), 0644);
+    archive_entry_set_size(entry.get(), content.size());
+
+    // More than enough for what the format adds.
+    QByteArray result(content.size() + 4096, Qt::Uninitialized);
+    std::size_t used = 0;
+    archive* const zip = writer.get();
+    const auto room = static_cast<std::size_t>(result.size());
+    const bool ok = archive_write_set_format_zip(zip) == ARCHIVE_OK &&
+                    archive_write_set_options(zip, "zip:encryption=traditional") == ARCHIVE_OK &&
+                    archive_write_set_passphrase(zip, definitionsPassword) == ARCHIVE_OK &&
+                    archive_write_set_bytes_in_last_block(zip, 1) == ARCHIVE_OK &&
+                    archive_write_open_memory(zip, result.data(), room, &used) == ARCHIVE_OK &&
+                    archive_write_header(zip, entry.get()) == ARCHIVE_OK &&
+                    archive_write_data(zip, content.constData(), static_cast<std::size_t>(content.size())) ==
+                        content.size() &&
+                    archive_write_close(zip) == ARCHIVE_OK;
+    return ok ? result.left(static_cast<int>(used)) : QByteArray();
 }
 
 } // namespace
@@ -214,14 +220,13 @@ Farm makeSampleFarm(int devices, int clones, int managerVersion, const QString& 
     farm.devices = makeDevices(devices);
     farm.clones = makeClones(clones, farm.devices);
     farm.globalConfig = {
-        {"velstrand_dropbox_token", QStringLiteral("store-51c07e")},
-        {"velstrand_android_app_version", QStringLiteral("112")},
-        {"velstrand_android_app_path",
-         QStringLiteral("https://files.velstrand.example/android/velstrand-112.apk")},
-        {"facebook_app_version", QStringLiteral("431")},
+        {"velstrand_dropbox_token", "store-51c07e"},
+        {"velstrand_android_app_version", "112"},
+        {"velstrand_android_app_path", "https://files.velstrand.example/android/velstrand-112.apk"},
+        {"facebook_app_version", "431"},
         {"velstrand_manager_app_version", QString::number(managerVersion)},
         {"velstrand_manager_app_path", managerPath},
-        {"velstrand_definition_version", QStringLiteral("27")},
+        {"velstrand_definition_version", "27"},
     };
     farm.users = makeUsers();
     farm.reports = makeReports(farm.devices);

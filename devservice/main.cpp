@@ -3,13 +3,15 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 #include <QTextStream>
 
 #include <csignal>
 #include <cstdlib>
 #include <limits>
+#include <utility>
+
+using devservice::Fault;
 
 namespace {
 
@@ -32,43 +34,31 @@ int number(const QCommandLineParser& parser, const QString& name, int lowest, in
     const int value = parser.value(name).toInt(&ok);
     if (!ok || value < lowest || value > highest) {
         failUsage(QStringLiteral("--%1 must be a whole number from %2 to %3, not \"%4\"")
-                      .arg(name)
-                      .arg(lowest)
-                      .arg(highest)
-                      .arg(parser.value(name)));
+                      .arg(name, QString::number(lowest), QString::number(highest), parser.value(name)));
     }
     return value;
 }
 
-const QVector<QPair<QString, devservice::Fault>>& faultNames()
-{
-    using devservice::Fault;
-    static const QVector<QPair<QString, Fault>> names = {
-        {QStringLiteral("hang"), Fault::Hang},
-        {QStringLiteral("cut"), Fault::Cut},
-        {QStringLiteral("not-json"), Fault::NotJson},
-        {QStringLiteral("wrong-shape"), Fault::WrongShape},
-        {QStringLiteral("no-body"), Fault::NoBody},
-        {QStringLiteral("http-error"), Fault::HttpError},
-        {QStringLiteral("refuse"), Fault::Refuse},
-        {QStringLiteral("drop-afterwards"), Fault::DropAfterwards},
-    };
-    return names;
-}
+constexpr std::pair<const char*, Fault> faultNames[] = {
+    {"hang", Fault::Hang},        {"cut", Fault::Cut},
+    {"not-json", Fault::NotJson}, {"wrong-shape", Fault::WrongShape},
+    {"no-body", Fault::NoBody},   {"http-error", Fault::HttpError},
+    {"refuse", Fault::Refuse},    {"drop-afterwards", Fault::DropAfterwards},
+};
 
 QString faultList()
 {
     QStringList names;
-    for (const auto& name : faultNames()) {
+    for (const auto& name : faultNames) {
         names.append(name.first);
     }
-    return names.join(QStringLiteral(", "));
+    return names.join(", ");
 }
 
-QPair<QString, devservice::Fault> parseFault(const QString& text)
+QPair<QString, Fault> parseFault(const QString& text)
 {
     const int equals = text.lastIndexOf('=');
-    for (const auto& fault : faultNames()) {
+    for (const auto& fault : faultNames) {
         if (equals > 0 && text.startsWith('/') && fault.first == text.mid(equals + 1)) {
             return {text.left(equals), fault.second};
         }
@@ -81,17 +71,13 @@ devservice::Options options(const QCommandLineParser& parser)
 {
     constexpr int any = std::numeric_limits<int>::max();
     devservice::Options result;
-    result.devices = number(parser, QStringLiteral("devices"), 0, 100000);
-    result.clones = number(parser, QStringLiteral("clones"), 0, 1000000);
-    result.latencyMs = number(parser, QStringLiteral("latency"), 0, 600000);
-    result.port = number(parser, QStringLiteral("port"), 0, 65535);
-    result.packageFile = parser.value(QStringLiteral("package"));
-    const QFileInfo package(result.packageFile);
-    if (parser.isSet(QStringLiteral("package")) && !(package.isFile() && package.isReadable())) {
-        failUsage(QStringLiteral("--package names no readable file: ") + result.packageFile);
-    }
-    result.packageVersion = number(parser, QStringLiteral("package-version"), 0, any);
-    result.packageBytesPerSecond = number(parser, QStringLiteral("package-rate"), 0, any);
+    result.devices = number(parser, "devices", 0, 100000);
+    result.clones = number(parser, "clones", 0, 1000000);
+    result.latencyMs = number(parser, "latency", 0, 600000);
+    result.port = number(parser, "port", 0, 65535);
+    result.packageFile = parser.value("package");
+    result.packageVersion = number(parser, "package-version", 0, any);
+    result.packageBytesPerSecond = number(parser, "package-rate", 0, any);
     return result;
 }
 
@@ -118,28 +104,18 @@ int main(int argc, char* argv[])
 
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("A local stand-in for the farm's service, until it is interrupted."));
+    parser.setApplicationDescription("A local stand-in for the farm's service, until it is interrupted.");
     const QCommandLineOption help = parser.addHelpOption();
     parser.addOptions({
-        {QStringLiteral("devices"), QStringLiteral("Devices of the sample farm."), QStringLiteral("N"),
-         QStringLiteral("40")},
-        {QStringLiteral("clones"), QStringLiteral("Clones of the sample farm."), QStringLiteral("N"),
-         QStringLiteral("1500")},
-        {QStringLiteral("latency"), QStringLiteral("Round trip in milliseconds."), QStringLiteral("MS"),
-         QStringLiteral("0")},
-        {QStringLiteral("port"), QStringLiteral("Port to listen on; 0 for any."), QStringLiteral("N"),
-         QStringLiteral("0")},
-        {QStringLiteral("package"), QStringLiteral("Update package to offer."), QStringLiteral("FILE")},
-        {QStringLiteral("package-version"),
-         QStringLiteral("Build number that the service offers; 0 for this source's own."),
-         QStringLiteral("N"), QStringLiteral("0")},
-        {QStringLiteral("package-rate"), QStringLiteral("Rate of package downloads; 0 for no limit."),
-         QStringLiteral("BYTES_PER_S"), QStringLiteral("0")},
-        {QStringLiteral("fault"), QStringLiteral("What goes wrong for a path: ") + faultList() + '.',
-         QStringLiteral("PATH=NAME")},
-        {QStringLiteral("env-file"), QStringLiteral("File to write the environment of a client to."),
-         QStringLiteral("FILE")},
+        {"devices", "Devices of the sample farm.", "N", "40"},
+        {"clones", "Clones of the sample farm.", "N", "1500"},
+        {"latency", "Round trip in milliseconds.", "MS", "0"},
+        {"port", "Port to listen on; 0 for any.", "N", "0"},
+        {"package", "Update package to offer.", "FILE"},
+        {"package-version", "Build number that the service offers; 0 for this source's own.", "N", "0"},
+        {"package-rate", "Rate of package downloads; 0 for no limit.", "BYTES_PER_S", "0"},
+        {"fault", "What goes wrong for a path: " + faultList() + '.', "PATH=NAME"},
+        {"env-file", "File to write the environment of a client to.", "FILE"},
     });
     if (!parser.parse(application.arguments())) {
         failUsage(parser.errorText());
@@ -148,11 +124,11 @@ int main(int argc, char* argv[])
         parser.showHelp();
     }
     if (!parser.positionalArguments().isEmpty()) {
-        failUsage(QStringLiteral("unexpected argument: ") + parser.positionalArguments().first());
+        failUsage("unexpected argument: " + parser.positionalArguments().first());
     }
 
-    QVector<QPair<QString, devservice::Fault>> faults;
-    const QStringList faultTexts = parser.values(QStringLiteral("fault"));
+    QVector<QPair<QString, Fault>> faults;
+    const QStringList faultTexts = parser.values("fault");
     for (const QString& text : faultTexts) {
         faults.append(parseFault(text));
     }
@@ -163,9 +139,9 @@ int main(int argc, char* argv[])
     if (!service.start()) {
         return fail(service.errorText());
     }
-    const QString environment = parser.value(QStringLiteral("env-file"));
+    const QString environment = parser.value("env-file");
     if (!environment.isEmpty() && !writeEnvironment(environment, service)) {
-        return fail(QStringLiteral("cannot write ") + environment);
+        return fail("cannot write " + environment);
     }
     QTextStream(stdout) << "origin:      " << service.origin() << "\nCA file:     " << service.caFile()
                         << "\nadmin token: " << service.adminToken()

@@ -1,5 +1,5 @@
-# Sourced by scripts/demo and scripts/test: installs what building and running takes, on Debian 12 and
-# Ubuntu 22.04 or newer. Says what it installs and does nothing where all of it is there.
+# Sourced by the other scripts: installs what building and running takes, on Debian 12 and 13 and their like.
+# Says what it installs and does nothing where all of it is there.
 
 set -euo pipefail
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -15,7 +15,7 @@ packages=(
     qml-module-qtquick-privatewidgets qml-module-qt-labs-folderlistmodel qml-module-qt-labs-settings
     qml-module-qttest
     libcurl4-openssl-dev libarchive-dev libssl-dev
-    libcpp-httplib-dev libbrotli-dev zlib1g-dev libbenchmark-dev
+    libboost-dev zlib1g-dev libbenchmark-dev
     fonts-dejavu-core
 )
 
@@ -42,6 +42,6 @@ build() {
     local preset=$1
     shift
     say "Building ($preset)"
-    cmake --preset "$preset" >/dev/null
-    cmake --build --preset "$preset" ${1:+--target "$@"}
+    cmake --preset "$preset" >/dev/null &&
+        cmake --build --preset "$preset" ${1:+--target "$@"}
 }
