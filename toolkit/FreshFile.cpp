@@ -59,24 +59,14 @@ bool FreshFile::Write(std::string_view bytes)
     return static_cast<bool>(m_stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size())));
 }
 
-void FreshFile::Close()
+void FreshFile::Finish(const fs::path& target)
 {
     m_stream.close();
     if (!m_stream)
         throw std::runtime_error("Cannot write the file " + m_path.u8string());
-}
-
-void FreshFile::Finish()
-{
-    Close();
-    m_finished = true;
-}
-
-void FreshFile::FinishAs(const fs::path& target)
-{
-    Close();
     std::error_code error;
-    fs::rename(m_path, target, error);
+    if (!target.empty())
+        fs::rename(m_path, target, error);
     if (error)
         throw std::runtime_error("Cannot replace the file " + target.u8string());
     m_finished = true;

@@ -28,14 +28,11 @@ public:
 
     /// False when the bytes cannot be written.
     bool Write(std::string_view bytes);
-    /// Flushes and closes the file. Throws std::runtime_error when that fails.
-    void Finish();
-    /// The same, then moves it to @p target, replacing what is there.
-    void FinishAs(const std::filesystem::path& target);
+    /// Flushes and closes the file, then moves it to @p target, where one is given, replacing what is there.
+    /// Throws std::runtime_error when that fails.
+    void Finish(const std::filesystem::path& target = {});
 
 private:
-    void Close();
-
     std::filesystem::path m_path;
     std::ofstream m_stream;
     bool m_finished = false;

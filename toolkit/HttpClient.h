@@ -4,11 +4,10 @@
 #include "toolkit/HttpResponse.h"
 #include "toolkit/Object.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace toolkit {
 
@@ -26,13 +25,15 @@ class HttpClient : public Object<HttpClient>
 public:
     /// Bounds name look-up, TCP and TLS together, for each connection that an operation opens. Whole seconds
     /// from 1 to a day; default 30.
-    void SetConnectTimeout(int seconds);
+    void SetConnectTimeout(int seconds) { m_connectTimeoutMs = Milliseconds(seconds); }
+    int ConnectTimeoutMs() const { return m_connectTimeoutMs; }
     /// Longest time without a single byte of progress once the request goes out; what the system has taken to
     /// send counts as progress. Whole seconds from 1 to a day; default 60.
-    void SetReadTimeout(int seconds);
+    void SetReadTimeout(int seconds) { m_readTimeoutMs = Milliseconds(seconds); }
+    int ReadTimeoutMs() const { return m_readTimeoutMs; }
     /// A PEM file that is then the only trust anchor; empty (the default) means the system's store. When the
     /// file cannot be read, every request fails. A change of the file counts for new connections.
-    void SetTrustAnchors(std::filesystem::path pemFile);
+    void SetTrustAnchors(std::filesystem::path pemFile) { m_trustAnchors = std::move(pemFile); }
     /// A header for the requests of this client; a second call with the same name replaces the value. One
     /// that holds CR, LF or NUL makes every request fail.
     void SetRequestHeader(std::string name, std::string value);
@@ -52,30 +53,22 @@ public:
     /// are followed, to https only.
     bool Download(const std::string& url, const std::filesystem::path& file);
 
-    /// HTTP status of the last response; 0 when there was none.
+    /// HTTP status of the last exchange; 0 when there was no response.
     int LastStatus() const { return IsValid() ? m_lastStatus : 0; }
     /// Outcome of the last operation on this object.
-    bool LastCallSucceeded() const { return IsValid() && m_lastSucceeded; }
-    /// Why the last operation failed, in words; empty after a success.
-    const std::string& LastErrorText() const { return m_lastError; }
+    bool LastCallSucceeded() const { return LastStatus() != 0 && LastErrorText().empty(); }
 
 private:
-    using HeaderList = std::vector<std::pair<std::string, std::string>>;
-
-    /// Runs @p operation and notes its outcome; the words of what it throws become the last error text.
-    template <typename Operation>
-    bool Attempt(Operation operation);
+    static int Milliseconds(int seconds) { return std::clamp(seconds, 1, 24 * 60 * 60) * 1000; }
     /// Carries out the exchange with this client's settings. Throws unless the answer is whole.
-    void Run(TransferOptions options, const HeaderList& headers);
-    std::unique_ptr<HttpResponse> RunForAnswer(TransferOptions options, const HeaderList& headers);
+    void Run(TransferOptions options);
+    std::unique_ptr<HttpResponse> RunForAnswer(TransferOptions options);
 
-    long m_connectTimeoutMs = 30000;
-    long m_readTimeoutMs = 60000;
+    int m_connectTimeoutMs = 30000;
+    int m_readTimeoutMs = 60000;
     std::filesystem::path m_trustAnchors;
     HeaderList m_headers;
     int m_lastStatus = 0;
-    bool m_lastSucceeded = false;
-    std::string m_lastError;
 };
 
 } // namespace toolkit

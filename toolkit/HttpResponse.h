@@ -2,7 +2,6 @@
 
 #include "toolkit/BinaryData.h"
 
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,14 +23,12 @@ public:
 
     /// Copies the body's bytes into @p data. False, with @p data untouched, when either is not valid or there
     /// is no memory for a copy.
-    bool GetBodyBd(BinaryData* data) const
-    try {
-        if (!IsValid() || !data->IsValid())
-            return false;
-        data->bytes = m_body;
-        return true;
-    } catch (const std::bad_alloc&) {
-        return false;
+    bool GetBodyBd(BinaryData* data)
+    {
+        return Attempt([&] {
+            RequireValid(data->IsValid());
+            data->bytes = m_body;
+        });
     }
 
 private:

@@ -7,22 +7,10 @@
 #include <stdexcept>
 
 namespace toolkit {
-namespace {
-
-void RequireOneLine(const std::string& name)
-{
-    if (BreaksLine(name))
-        throw std::runtime_error("The name of a form field holds a line break or a NUL");
-}
-
-} // namespace
 
 Multipart::Multipart(const HttpRequest& request) : m_request(request)
 {
-    for (const auto& param : request.m_params)
-        RequireOneLine(param.first);
     for (const auto& part : request.m_files) {
-        RequireOneLine(part.name);
         std::ifstream stream(part.path, std::ios::binary | std::ios::ate);
         const std::streamoff size = stream ? static_cast<std::streamoff>(stream.tellg()) : -1;
         if (size < 0 || !stream.seekg(0))
@@ -37,9 +25,11 @@ MimePtr Multipart::Build(CURL* easy)
         if (!done)
             throw std::bad_alloc();
     };
-    MimePtr mime(curl_mime_init(easy));
+    MimePtr mime(curl_mime_init(easy), &curl_mime_free);
     require(mime != nullptr);
     const auto add = [&](const std::string& name) {
+        if (BreaksLine(name))
+            throw std::runtime_error("The name of a form field holds a line break or a NUL");
         curl_mimepart* const part = curl_mime_addpart(mime.get());
         require(part && curl_mime_name(part, name.c_str()) == CURLE_OK);
         return part;
@@ -67,7 +57,8 @@ std::size_t Multipart::Read(char* buffer, std::size_t size, std::size_t count, v
     const auto got = static_cast<std::size_t>(file.stream.gcount());
     if (got == 0) {
         try {
-            file.form->m_error = "The file " + file.part->path.u8string() + " could not be read to its end";
+            file.form->m_readError =
+                "The file " + file.part->path.u8string() + " could not be read to its end";
         } catch (...) {
             // The transfer ends all the same, with libcurl's words.
         }

@@ -12,25 +12,22 @@
 
 namespace toolkit {
 
-struct MimeDeleter {
-    void operator()(curl_mime* mime) const { curl_mime_free(mime); }
-};
-using MimePtr = std::unique_ptr<curl_mime, MimeDeleter>;
+using MimePtr = std::unique_ptr<curl_mime, decltype(&curl_mime_free)>;
 
 /// The form of a multipart request while it is sent. The size of each file is taken here; what a file loses
 /// afterwards ends the transfer, what it gains is not sent.
 class Multipart
 {
 public:
-    /// Opens the files. Throws std::runtime_error when a field is not allowed or a file cannot be read. The
-    /// request must outlive the form.
+    /// Opens the files. Throws std::runtime_error when one cannot be read. The request must outlive the form.
     explicit Multipart(const HttpRequest& request);
 
-    /// The form for @p easy, reading from this object. Throws std::bad_alloc.
+    /// The form for @p easy, reading from this object. Throws std::runtime_error when the name of a field is
+    /// not allowed, or std::bad_alloc.
     MimePtr Build(CURL* easy);
 
     /// Why the form could not be read to its end; empty while all is well.
-    const std::string& ErrorText() const { return m_error; }
+    const std::string& ReadError() const { return m_readError; }
 
 private:
     struct File {
@@ -45,7 +42,7 @@ private:
     const HttpRequest& m_request;
     /// A list, since libcurl holds pointers to the elements.
     std::list<File> m_files;
-    std::string m_error;
+    std::string m_readError;
 };
 
 } // namespace toolkit

@@ -1,68 +1,94 @@
 #include "toolkit/SessionPool.h"
 
 #include <csignal>
+#include <mutex>
 #include <new>
+#include <vector>
 
 namespace toolkit {
+
+struct Session {
+    std::unique_ptr<CURLSH, decltype(&curl_share_cleanup)> tlsSessions{curl_share_init(),
+                                                                       &curl_share_cleanup};
+    /// Keeps one connection.
+    std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)> multi{curl_multi_init(), &curl_multi_cleanup};
+    curl_socket_t kept = CURL_SOCKET_BAD;
+};
+
 namespace {
 
 constexpr std::size_t kMaxIdle = 8;
 
-} // namespace
-
-Session::Session() : m_easy(curl_easy_init()), m_multi(curl_multi_init())
-{
-    if (m_easy && m_multi)
-        return;
-    curl_easy_cleanup(m_easy);
-    curl_multi_cleanup(m_multi);
-    throw std::bad_alloc();
-}
-
-Session::~Session()
-{
-    curl_easy_cleanup(m_easy);
-    curl_multi_cleanup(m_multi);
-}
-
-SessionPool::SessionPool()
-{
-    curl_global_init(CURL_GLOBAL_DEFAULT);
-    m_idle.reserve(kMaxIdle);
+/// The idle sessions of the process.
+struct Pool {
+    Pool()
+    {
+        curl_global_init(CURL_GLOBAL_DEFAULT);
+        idle.reserve(kMaxIdle);
 #ifdef SIGPIPE
-    // With CURLOPT_NOSIGNAL a TLS library may still write to a connection that the peer has closed.
-    const auto previous = std::signal(SIGPIPE, SIG_IGN);
-    if (previous != SIG_DFL && previous != SIG_ERR)
-        std::signal(SIGPIPE, previous);
+        // With CURLOPT_NOSIGNAL a TLS library may still write to a connection that the peer has closed.
+        const auto previous = std::signal(SIGPIPE, SIG_IGN);
+        if (previous != SIG_DFL && previous != SIG_ERR)
+            std::signal(SIGPIPE, previous);
 #endif
-}
+    }
 
-SessionPool& SessionPool::Instance()
+    std::mutex mutex;
+    /// Guarded by the mutex.
+    std::vector<std::unique_ptr<Session>> idle;
+};
+
+Pool& ThePool()
 {
     // Never destroyed: a worker thread may still be in a transfer while the process ends.
-    static auto* const pool = new SessionPool;
+    static auto* const pool = new Pool;
     return *pool;
 }
 
-std::unique_ptr<Session> SessionPool::Take()
+std::unique_ptr<Session> TakeSession()
 {
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!m_idle.empty()) {
-            auto session = std::move(m_idle.back());
-            m_idle.pop_back();
-            return session;
-        }
-    }
-    return std::make_unique<Session>();
+    Pool& pool = ThePool();
+    const std::lock_guard<std::mutex> lock(pool.mutex);
+    if (pool.idle.empty())
+        return std::make_unique<Session>();
+    auto session = std::move(pool.idle.back());
+    pool.idle.pop_back();
+    return session;
 }
 
-void SessionPool::Return(std::unique_ptr<Session> session)
+} // namespace
+
+SessionLease::SessionLease() : m_session(TakeSession()), m_easy(curl_easy_init(), &curl_easy_cleanup)
 {
-    curl_easy_reset(session->Easy());
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_idle.size() < kMaxIdle)
-        m_idle.push_back(std::move(session));
+    CURLSH* const share = m_session->tlsSessions.get();
+    if (!m_easy || curl_multi_setopt(Multi(), CURLMOPT_MAXCONNECTS, 1L) != CURLM_OK ||
+        curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION) != CURLSHE_OK ||
+        curl_easy_setopt(Easy(), CURLOPT_SHARE, share) != CURLE_OK)
+        throw std::bad_alloc();
+}
+
+SessionLease::~SessionLease()
+{
+    curl_easy_getinfo(Easy(), CURLINFO_ACTIVESOCKET, &m_session->kept);
+    curl_multi_remove_handle(Multi(), Easy());
+    m_easy.reset();
+    Pool& pool = ThePool();
+    const std::lock_guard<std::mutex> lock(pool.mutex);
+    if (pool.idle.size() < kMaxIdle)
+        pool.idle.push_back(std::move(m_session));
+}
+
+CURLM* SessionLease::Multi() const
+{
+    return m_session->multi.get();
+}
+
+bool SessionLease::HasQuietConnection() const
+{
+    curl_waitfd kept{m_session->kept, CURL_WAIT_POLLIN, 0};
+    int ready = 0;
+    return kept.fd != CURL_SOCKET_BAD && curl_multi_wait(Multi(), &kept, 1, 0, &ready) == CURLM_OK &&
+           ready == 0;
 }
 
 } // namespace toolkit

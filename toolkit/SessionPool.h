@@ -3,62 +3,34 @@
 #include <curl/curl.h>
 
 #include <memory>
-#include <mutex>
-#include <vector>
 
 namespace toolkit {
 
-/// A libcurl easy handle and the multi handle that drives it. The two keep open connections, TLS sessions and
-/// the parsed trust store from one exchange to the next. Used by one thread at a time.
-class Session
-{
-public:
-    /// Throws std::bad_alloc.
-    Session();
-    ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
+struct Session;
 
-    CURL* Easy() const { return m_easy; }
-    CURLM* Multi() const { return m_multi; }
-
-private:
-    CURL* m_easy;
-    CURLM* m_multi;
-};
-
-/// The idle sessions of the process. The last one returned goes out first, since its connections are the
-/// freshest; at most eight stay. Any thread.
-class SessionPool
-{
-public:
-    static SessionPool& Instance();
-
-    /// An idle session with every option back at its default, or a new one.
-    std::unique_ptr<Session> Take();
-    void Return(std::unique_ptr<Session> session);
-
-private:
-    SessionPool();
-
-    std::mutex m_mutex;
-    /// Guarded by m_mutex.
-    std::vector<std::unique_ptr<Session>> m_idle;
-};
-
-/// A session that goes back to the pool at the end of the scope.
+/// A fresh easy handle for one exchange, and an idle session of the process for it to run on: the multi
+/// handle with what it keeps, open connections and the parsed trust store, and the TLS sessions. The session
+/// used last goes out first, since its connections are the freshest; at most eight stay idle. Used on one
+/// thread.
 class SessionLease
 {
 public:
-    SessionLease() : m_session(SessionPool::Instance().Take()) {}
-    ~SessionLease() { SessionPool::Instance().Return(std::move(m_session)); }
+    /// Throws std::bad_alloc.
+    SessionLease();
+    ~SessionLease();
     SessionLease(const SessionLease&) = delete;
     SessionLease& operator=(const SessionLease&) = delete;
 
-    const Session* operator->() const { return m_session.get(); }
+    CURL* Easy() const { return m_easy.get(); }
+    CURLM* Multi() const;
+    /// Whether there is a kept connection with nothing to read on it. What comes before a request goes out
+    /// was not asked for, and would be taken for the answer.
+    bool HasQuietConnection() const;
 
 private:
     std::unique_ptr<Session> m_session;
+    /// libcurl 7.88 reads freed memory when a used one meets an answer that begins with a folded header.
+    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> m_easy;
 };
 
 } // namespace toolkit

@@ -5,43 +5,37 @@
 #include "toolkit/Multipart.h"
 #include "toolkit/ResponseHead.h"
 #include "toolkit/SessionPool.h"
+#include "toolkit/Url.h"
 
 #include <algorithm>
 #include <chrono>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <optional>
+#include <stdexcept>
 
-#ifdef _WIN32
-#include <fstream>
-#include <iterator>
-#else
+#ifndef _WIN32
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
-#include <unistd.h>
 #endif
 
 namespace toolkit {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using std::chrono::milliseconds;
 
 constexpr long kMaxRedirects = 5;
 
 constexpr const char* kTooLarge = "The answer is too large";
-constexpr const char* kNotWritten = "The answer cannot be written";
 constexpr const char* kCutOff = "The answer was cut off";
 
-/// Seconds for which an idle connection is trusted to be alive.
+/// For how long an idle connection is trusted to be alive.
 constexpr long kMaxIdleSeconds = 30;
-
-struct SlistDeleter {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-};
-using SlistPtr = std::unique_ptr<curl_slist, SlistDeleter>;
+constexpr long kMaxPollMs = 1000;
 
 std::string Seconds(long ms)
 {
@@ -66,39 +60,36 @@ int PrepareSocket(void*, curl_socket_t socket, curlsocktype) noexcept
 class Transfer
 {
 public:
-    explicit Transfer(const TransferOptions& options) : m_options(options) {}
+    explicit Transfer(const TransferOptions& options);
 
-    TransferResult Run();
+    CURLcode Drive();
+    int Status() const { return static_cast<int>(Info<long>(CURLINFO_RESPONSE_CODE)); }
+    /// Why there is no whole answer; empty when there is one.
+    std::string FailureWords(CURLcode code) const;
 
 private:
     static std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* self) noexcept;
     static std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* self) noexcept;
     static int OnRequestGoesOut(void* self, char*, char*, int, int) noexcept;
 
-    CURL* Easy() const { return m_session->Easy(); }
+    CURL* Easy() const { return m_session.Easy(); }
     template <typename Value>
     void Set(CURLoption option, Value value);
     template <typename Value>
     Value Info(CURLINFO info) const;
 
-    void SetUp();
-    void SetUpScheme();
-    void SetUpTrust();
-    void SetUpBody();
+    void SetProtocols();
+    void SetTrust();
+    void SetRequest();
     bool Take(std::string_view bytes);
     bool Deliver(std::string_view bytes);
-    bool Drive();
-    bool ClockRuns() const { return m_hop == Info<long>(CURLINFO_REDIRECT_COUNT); }
-    bool Stalled();
-    int PollMs() const;
-    std::string ErrorText(CURLcode code, int status) const;
+    void NoteProgress();
+    long ReadTimeLeftMs() const;
 
     const TransferOptions& m_options;
-    SessionLease m_session;
-    SlistPtr m_headers;
-    MimePtr m_mime;
-    /// The first option that libcurl refused.
-    CURLcode m_setUp = CURLE_OK;
+    std::string m_anchors;
+    std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> m_headers{nullptr, &curl_slist_free_all};
+    MimePtr m_form{nullptr, &curl_mime_free};
     char m_curlText[CURL_ERROR_SIZE] = "";
 
     ResponseHead m_head;
@@ -106,7 +97,7 @@ private:
     std::optional<Gunzip> m_gunzip;
     /// Bytes of the body, decoded.
     std::uint64_t m_bodyBytes = 0;
-    /// What went wrong on this side; comes before libcurl's words.
+    /// Why this side ended the transfer; comes before libcurl's words.
     std::string m_fault;
 
     /// Bytes sent and received so far, and when that last changed.
@@ -114,13 +105,16 @@ private:
     Clock::time_point m_lastMove;
     /// The hop whose request went out last: between the hops of a redirect the connect time-out holds.
     long m_hop = -1;
+
+    /// The last, so that libcurl lets go of the others before they die.
+    SessionLease m_session;
 };
 
 template <typename Value>
 void Transfer::Set(CURLoption option, Value value)
 {
-    if (m_setUp == CURLE_OK)
-        m_setUp = curl_easy_setopt(Easy(), option, value);
+    if (const CURLcode code = curl_easy_setopt(Easy(), option, value); code != CURLE_OK)
+        throw std::runtime_error(curl_easy_strerror(code));
 }
 
 template <typename Value>
@@ -171,7 +165,7 @@ bool Transfer::Deliver(std::string_view bytes)
     if (m_bodyBytes > m_options.maxBytes)
         m_fault = kTooLarge;
     else if (!m_options.sink(bytes))
-        m_fault = kNotWritten;
+        m_fault = "The answer cannot be written";
     return m_fault.empty();
 }
 
@@ -183,7 +177,7 @@ int Transfer::OnRequestGoesOut(void* self, char*, char*, int, int) noexcept
     return CURL_PREREQFUNC_OK;
 }
 
-void Transfer::SetUp()
+Transfer::Transfer(const TransferOptions& options) : m_options(options)
 {
     Set(CURLOPT_ERRORBUFFER, m_curlText);
     Set(CURLOPT_NOSIGNAL, 1L);
@@ -191,7 +185,6 @@ void Transfer::SetUp()
     // A look-up that outlasts the connect time-out is left to its own thread.
     Set(CURLOPT_QUICK_EXIT, 1L);
 #endif
-    Set(CURLOPT_URL, m_options.url.c_str());
     Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -202,12 +195,14 @@ void Transfer::SetUp()
     Set(CURLOPT_MAXAGE_CONN, kMaxIdleSeconds);
     // libcurl sends a request again when a kept connection dies under it. A write may have been carried out
     // by then, so it gets a connection of its own.
-    Set(CURLOPT_FRESH_CONNECT, m_options.exchange == Exchange::Write ? 1L : 0L);
-    Set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(m_options.maxBytes));
-    SetUpScheme();
-    SetUpTrust();
-    SetUpBody();
+    const bool mayReuse = m_options.exchange == Exchange::Read && m_session.HasQuietConnection();
+    Set(CURLOPT_FRESH_CONNECT, mayReuse ? 0L : 1L);
+    SetProtocols();
+    SetTrust();
+    SetRequest();
 
+    Set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(m_options.maxBytes));
+    Set(CURLOPT_HTTP_CONTENT_DECODING, 0L);
     Set(CURLOPT_HEADERFUNCTION, &Transfer::OnHeader);
     Set(CURLOPT_HEADERDATA, this);
     Set(CURLOPT_WRITEFUNCTION, &Transfer::OnBody);
@@ -216,72 +211,61 @@ void Transfer::SetUp()
     Set(CURLOPT_PREREQDATA, this);
 }
 
-void Transfer::SetUpScheme()
+void Transfer::SetProtocols()
 {
-    const bool tls = StartsWithNoCase(m_options.url, "https://");
-    if (!tls && !StartsWithNoCase(m_options.url, "http://"))
-        m_fault = "The address is neither http:// nor https://";
-    else if (BreaksLine(m_options.url))
-        m_fault = "The address holds a line break or a NUL";
+    const auto origin = OriginOf(m_options.url);
+    if (!origin)
+        throw std::runtime_error("The address is no whole http:// or https:// address");
+    Set(CURLOPT_URL, m_options.url.c_str());
     // A redirect must pass both lists.
-    const bool mayUpgrade = !tls && m_options.download;
+    const bool mayUpgrade = !origin->tls && m_options.download;
 #if LIBCURL_VERSION_NUM >= 0x075500
-    Set(CURLOPT_PROTOCOLS_STR, tls ? "https" : mayUpgrade ? "http,https" : "http");
+    Set(CURLOPT_PROTOCOLS_STR, origin->tls ? "https" : mayUpgrade ? "http,https" : "http");
     Set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
 #else
-    Set(CURLOPT_PROTOCOLS,
-        static_cast<long>((tls || mayUpgrade ? CURLPROTO_HTTPS : 0) | (tls ? 0 : CURLPROTO_HTTP)));
+    Set(CURLOPT_PROTOCOLS, static_cast<long>((origin->tls || mayUpgrade ? CURLPROTO_HTTPS : 0) |
+                                             (origin->tls ? 0 : CURLPROTO_HTTP)));
     Set(CURLOPT_REDIR_PROTOCOLS, static_cast<long>(CURLPROTO_HTTPS));
 #endif
     Set(CURLOPT_FOLLOWLOCATION, m_options.download ? 1L : 0L);
     Set(CURLOPT_MAXREDIRS, kMaxRedirects);
 }
 
-void Transfer::SetUpTrust()
+void Transfer::SetTrust()
 {
     Set(CURLOPT_SSL_VERIFYPEER, 1L);
     Set(CURLOPT_SSL_VERIFYHOST, 2L);
     Set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
 
-    const auto& anchors = m_options.trustAnchors;
-    bool readable = true;
 #ifdef _WIN32
     // A revocation list that cannot be reached does not count as a refusal.
     Set(CURLOPT_SSL_OPTIONS, static_cast<long>(CURLSSLOPT_REVOKE_BEST_EFFORT));
-    if (!anchors.empty()) {
-        std::ifstream file(anchors, std::ios::binary);
-        readable = file.is_open();
-        std::string pem(std::istreambuf_iterator<char>(file), {});
-        curl_blob blob{pem.data(), pem.size(), CURL_BLOB_COPY};
-        Set(CURLOPT_CAINFO_BLOB, &blob);
-    }
 #else
+    // libcurl keeps the parsed store between connections only when it is one file and no folder.
     static const char* const systemBundle = curl_version_info(CURLVERSION_NOW)->cainfo;
-    if (const char* const bundle = anchors.empty() ? systemBundle : anchors.c_str()) {
-        // libcurl keeps the parsed store between connections only when it is one file and no folder.
-        Set(CURLOPT_CAINFO, bundle);
+    if (systemBundle)
+        Set(CURLOPT_CAINFO, systemBundle);
+    if (systemBundle || !m_options.trustAnchors.empty())
         Set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
-    }
-    readable = anchors.empty() || access(anchors.c_str(), R_OK) == 0;
 #endif
-    if (!readable)
-        m_fault = "Cannot read the trust anchors in " + anchors.u8string();
-    if (!anchors.empty()) {
-        // libcurl knows the file by its name alone: a new connection must see what is in it now, not a store
-        // or a TLS session from before.
-#if LIBCURL_VERSION_NUM >= 0x075700
-        Set(CURLOPT_CA_CACHE_TIMEOUT, 0L);
-#endif
-        Set(CURLOPT_SSL_SESSIONID_CACHE, 0L);
-    }
+    if (m_options.trustAnchors.empty())
+        return;
+    // Not by the file's name, which says nothing about what is in it now: libcurl tells connections and TLS
+    // sessions apart by the bytes.
+    std::ifstream file(m_options.trustAnchors, std::ios::binary);
+    m_anchors.assign(std::istreambuf_iterator<char>(file), {});
+    if (m_anchors.empty())
+        throw std::runtime_error("Cannot read the trust anchors in " + m_options.trustAnchors.u8string());
+    curl_blob blob{m_anchors.data(), m_anchors.size(), CURL_BLOB_NOCOPY};
+    Set(CURLOPT_CAINFO_BLOB, &blob);
 }
 
-void Transfer::SetUpBody()
+void Transfer::SetRequest()
 {
     // With "Expect: 100-continue" a large POST waits a second for servers that do not know it.
     m_headers.reset(curl_slist_append(nullptr, "Expect:"));
-    for (const std::string& line : m_options.headers) {
-        if (!m_headers || !curl_slist_append(m_headers.get(), line.c_str()))
+    for (const auto& [name, value] : m_options.headers) {
+        if (!m_headers || !curl_slist_append(m_headers.get(), HeaderLine(name, value).c_str()))
             throw std::bad_alloc();
     }
     Set(CURLOPT_HTTPHEADER, m_headers.get());
@@ -291,71 +275,71 @@ void Transfer::SetUpBody()
         Set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_options.text->size()));
         Set(CURLOPT_POSTFIELDS, m_options.text->data());
     } else if (m_options.form) {
-        m_mime = m_options.form->Build(Easy());
-        Set(CURLOPT_MIMEPOST, m_mime.get());
+        m_form = m_options.form->Build(Easy());
+        Set(CURLOPT_MIMEPOST, m_form.get());
     }
     if (m_options.download)
         Set(CURLOPT_FAILONERROR, 1L);
     else
         Set(CURLOPT_ACCEPT_ENCODING, "gzip");
-    Set(CURLOPT_HTTP_CONTENT_DECODING, 0L);
 }
 
-bool Transfer::Stalled()
+void Transfer::NoteProgress()
 {
     const curl_off_t moved = Info<long>(CURLINFO_REQUEST_SIZE) + Info<long>(CURLINFO_HEADER_SIZE) +
                              Info<curl_off_t>(CURLINFO_SIZE_UPLOAD_T) +
                              Info<curl_off_t>(CURLINFO_SIZE_DOWNLOAD_T);
-    if (moved != m_moved) {
-        m_moved = moved;
+    if (moved != m_moved)
         m_lastMove = Clock::now();
-    }
-    return ClockRuns() && Clock::now() - m_lastMove >= milliseconds(m_options.readTimeoutMs);
+    m_moved = moved;
 }
 
-int Transfer::PollMs() const
+long Transfer::ReadTimeLeftMs() const
 {
-    // libcurl cuts the wait where a time-out of its own comes first.
-    constexpr long longestMs = 1000;
-    if (!ClockRuns())
-        return longestMs;
-    const auto idle = std::chrono::duration_cast<milliseconds>(Clock::now() - m_lastMove).count();
-    return static_cast<int>(
-        std::clamp<long>(m_options.readTimeoutMs - static_cast<long>(idle), 1, longestMs));
+    if (m_hop != Info<long>(CURLINFO_REDIRECT_COUNT))
+        return m_options.readTimeoutMs;
+    const auto idle = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - m_lastMove);
+    return m_options.readTimeoutMs - static_cast<long>(idle.count());
 }
 
-bool Transfer::Drive()
+CURLcode Transfer::Drive()
 {
+    const auto require = [](CURLMcode code) {
+        if (code != CURLM_OK)
+            throw std::runtime_error(curl_multi_strerror(code));
+    };
+    require(curl_multi_add_handle(m_session.Multi(), Easy()));
     for (;;) {
         int running = 0;
-        CURLMcode code = curl_multi_perform(m_session->Multi(), &running);
-        if (code == CURLM_OK && running == 0)
-            return true;
-        if (code == CURLM_OK && Stalled()) {
+        require(curl_multi_perform(m_session.Multi(), &running));
+        if (running == 0) {
+            const CURLMsg* const outcome = curl_multi_info_read(m_session.Multi(), &running);
+            return outcome ? outcome->data.result : CURLE_FAILED_INIT;
+        }
+        NoteProgress();
+        const long leftMs = ReadTimeLeftMs();
+        if (leftMs <= 0) {
             m_fault = "Timed out: no data for " + Seconds(m_options.readTimeoutMs);
-            return false;
+            return CURLE_OPERATION_TIMEDOUT;
         }
-        if (code == CURLM_OK)
-            code = curl_multi_poll(m_session->Multi(), nullptr, 0, PollMs(), nullptr);
-        if (code != CURLM_OK) {
-            m_fault = curl_multi_strerror(code);
-            return false;
-        }
+        // libcurl cuts the wait where a time-out of its own comes first.
+        const int waitMs = static_cast<int>(std::min(leftMs, kMaxPollMs));
+        require(curl_multi_poll(m_session.Multi(), nullptr, 0, waitMs, nullptr));
     }
 }
 
-std::string Transfer::ErrorText(CURLcode code, int status) const
+std::string Transfer::FailureWords(CURLcode code) const
 {
     if (!m_fault.empty())
         return m_fault;
-    if (m_options.form && !m_options.form->ErrorText().empty())
-        return m_options.form->ErrorText();
-    std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
+    if (m_options.form && !m_options.form->ReadError().empty())
+        return m_options.form->ReadError();
+    const std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
     switch (code) {
     case CURLE_OK:
-        if (status < 200)
+        if (Status() < 200)
             return "The server gave no final answer";
-        return m_head.ShowsEndOfBody(status) && (!m_gunzip || m_gunzip->IsWhole()) ? "" : kCutOff;
+        return m_head.DelimitsBody(Status()) && (!m_gunzip || m_gunzip->IsWhole()) ? "" : kCutOff;
     case CURLE_OPERATION_TIMEDOUT:
         return "Timed out: no connection within " + Seconds(m_options.connectTimeoutMs);
     case CURLE_PARTIAL_FILE:
@@ -368,29 +352,16 @@ std::string Transfer::ErrorText(CURLcode code, int status) const
     }
 }
 
-TransferResult Transfer::Run()
-{
-    SetUp();
-    if (m_setUp != CURLE_OK || !m_fault.empty())
-        return {0, ErrorText(m_setUp, 0)};
-
-    if (curl_multi_add_handle(m_session->Multi(), Easy()) != CURLM_OK)
-        return {0, "The transfer cannot be started"};
-    CURLcode code = CURLE_ABORTED_BY_CALLBACK;
-    const bool done = Drive();
-    int pending = 0;
-    if (const CURLMsg* const message = curl_multi_info_read(m_session->Multi(), &pending); done && message)
-        code = message->data.result;
-    const int status = static_cast<int>(Info<long>(CURLINFO_RESPONSE_CODE));
-    curl_multi_remove_handle(m_session->Multi(), Easy());
-    return {status, ErrorText(code, status)};
-}
-
 } // namespace
 
-TransferResult RunTransfer(const TransferOptions& options)
+void RunTransfer(const TransferOptions& options, int* status)
 {
-    return Transfer(options).Run();
+    Transfer transfer(options);
+    const CURLcode code = transfer.Drive();
+    *status = transfer.Status();
+    const std::string words = transfer.FailureWords(code);
+    if (!words.empty())
+        throw std::runtime_error(words);
 }
 
 } // namespace toolkit

@@ -7,7 +7,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace toolkit {
 
@@ -17,8 +16,7 @@ class Multipart;
 struct TransferOptions {
     /// Absolute, http or https.
     std::string url;
-    /// Whole header lines in libcurl's notation, free of CR, LF and NUL.
-    std::vector<std::string> headers;
+    HeaderList headers;
     /// The body of a POST: one of the two; none of them for a GET.
     const std::string* text = nullptr;
     Multipart* form = nullptr;
@@ -35,15 +33,9 @@ struct TransferOptions {
     std::filesystem::path trustAnchors;
 };
 
-struct TransferResult {
-    /// HTTP status of the last response; 0 when there was none.
-    int status = 0;
-    /// Why there is no whole answer; empty when there is one.
-    std::string error;
-};
-
-/// Carries out one HTTP exchange on a leased session. Blocks until the answer is whole, or failed. Throws
-/// a std::exception when the exchange cannot even be prepared.
-TransferResult RunTransfer(const TransferOptions& options);
+/// Carries out one HTTP exchange on a leased session. Blocks until the answer is whole; throws a
+/// std::exception when it is not, or when the exchange cannot even be prepared. @p status becomes the HTTP
+/// status of the last response, also of one that failed; it is left alone when there was none.
+void RunTransfer(const TransferOptions& options, int* status);
 
 } // namespace toolkit

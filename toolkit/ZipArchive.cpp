@@ -16,38 +16,23 @@ namespace {
 /// Whether @p text is well-formed UTF-8: no overlong forms, surrogates or code points above U+10FFFF.
 bool IsUtf8(std::string_view text)
 {
-    const auto* byte = reinterpret_cast<const unsigned char*>(text.data());
-    const auto* const end = byte + text.size();
-    while (byte < end) {
-        const unsigned char lead = *byte++;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto lead = static_cast<unsigned char>(text[at++]);
         if (lead < 0x80)
             continue;
-        if (lead < 0xc2 || lead > 0xf4)
-            return false;
         const int more = lead < 0xe0 ? 1 : lead < 0xf0 ? 2 : 3;
-        if (end - byte < more)
-            return false;
-        const unsigned char low = lead == 0xe0 ? 0xa0 : lead == 0xf0 ? 0x90 : 0x80;
-        const unsigned char high = lead == 0xed ? 0x9f : lead == 0xf4 ? 0x8f : 0xbf;
-        if (*byte < low || *byte > high)
-            return false;
-        for (int i = 1; i < more; ++i) {
-            if ((byte[i] & 0xc0) != 0x80)
+        std::uint32_t point = lead & (0x3fu >> more);
+        for (int i = 0; i < more; ++i, ++at) {
+            if (at == text.size() || (text[at] & 0xc0) != 0x80)
                 return false;
+            point = point << 6 | (text[at] & 0x3fu);
         }
-        byte += more;
+        constexpr std::uint32_t smallest[] = {0x80, 0x800, 0x10000};
+        if (lead < 0xc2 || lead > 0xf4 || point < smallest[more - 1] || point > 0x10ffff ||
+            (point >= 0xd800 && point < 0xe000))
+            return false;
     }
     return true;
-}
-
-/// Goes through the whole archive without writing: every name, size, checksum and ratio.
-void RequireSound(ZipReader* reader)
-{
-    ZipRules rules;
-    while (reader->Next()) {
-        rules.Admit(reader->Name(), reader->Kind(), reader->Size());
-        ZipRules::AdmitRatio(reader->Read([](std::string_view) {}), reader->Size());
-    }
 }
 
 /// Makes the folder @p relative below @p directory, which is there. What is in the way is removed: a file of
@@ -88,30 +73,17 @@ void UnpackFile(ZipReader* reader, const fs::path& path)
 
 } // namespace
 
-std::optional<std::string> ZipEntry::UnzipToString(int lineEndingMode, const std::string& charset) const
-try {
-    if (!IsValid() || lineEndingMode != 0 || !EqualNoCase(charset, "utf-8") || !IsUtf8(m_content))
-        return std::nullopt;
-    return m_content;
-} catch (const std::bad_alloc&) {
-    return std::nullopt;
-}
-
-template <typename Operation>
-bool ZipArchive::Attempt(Operation operation)
+std::optional<std::string> ZipEntry::UnzipToString(int lineEndingMode, const std::string& charset)
 {
-    try {
-        if (!IsValid())
-            throw std::runtime_error(kNotValid);
-        operation();
-        m_lastError.clear();
-        return true;
-    } catch (const std::bad_alloc&) {
-        m_lastError = "Out of memory";
-    } catch (const std::exception& failure) {
-        m_lastError = failure.what();
-    }
-    return false;
+    std::optional<std::string> text;
+    Attempt([&] {
+        if (lineEndingMode != 0 || !EqualNoCase(charset, "utf-8"))
+            throw std::runtime_error("Only UTF-8 text is offered, with its line endings as they are");
+        if (!IsUtf8(m_content))
+            throw std::runtime_error("The text is not UTF-8");
+        text = m_content;
+    });
+    return text;
 }
 
 std::unique_ptr<ZipReader> ZipArchive::Reader() const
@@ -127,8 +99,7 @@ bool ZipArchive::OpenBd(const BinaryData& data)
 {
     CloseZip();
     return Attempt([&] {
-        if (!data.IsValid())
-            throw std::runtime_error(kNotValid);
+        RequireValid(data.IsValid());
         ZipReader(std::string_view(data.bytes), {}).Next();
         m_source = data.bytes;
     });
@@ -141,12 +112,6 @@ bool ZipArchive::OpenZip(const fs::path& file)
         ZipReader(file, {}).Next();
         m_source = file;
     });
-}
-
-void ZipArchive::SetPassword(std::string password)
-{
-    if (IsValid())
-        m_password = std::move(password);
 }
 
 std::unique_ptr<ZipEntry> ZipArchive::GetEntryByIndex(int index)
@@ -172,31 +137,27 @@ int ZipArchive::Unzip(const fs::path& directory)
 {
     int files = 0;
     const bool done = Attempt([&] {
-        RequireSound(Reader().get());
-
-        const auto reader = Reader();
-        ZipRules rules;
-        fs::create_directories(directory);
-        while (reader->Next()) {
-            // Judged again: the file may have been exchanged since.
-            rules.Admit(reader->Name(), reader->Kind(), reader->Size());
-            const fs::path relative = reader->Path();
-            if (reader->Kind() == ZipKind::Directory) {
-                MakeFolders(directory, relative);
-                continue;
+        // A pass that writes nothing goes before; the other checks again, since the file may change
+        // meanwhile.
+        for (const bool writes : {false, true}) {
+            const auto reader = Reader();
+            ZipRules rules;
+            while (reader->Next()) {
+                rules.Admit(reader->Name(), reader->Kind(), reader->Size());
+                if (!writes) {
+                    ZipRules::AdmitRatio(reader->Read([](std::string_view) {}), reader->Size());
+                } else if (reader->Kind() == ZipKind::Directory) {
+                    MakeFolders(directory, reader->Path());
+                } else {
+                    MakeFolders(directory, reader->Path().parent_path());
+                    UnpackFile(reader.get(), directory / reader->Path());
+                    ++files;
+                }
             }
-            MakeFolders(directory, relative.parent_path());
-            UnpackFile(reader.get(), directory / relative);
-            ++files;
+            fs::create_directories(directory);
         }
     });
     return done ? files : -1;
-}
-
-void ZipArchive::CloseZip()
-{
-    if (IsValid())
-        m_source = std::monostate();
 }
 
 } // namespace toolkit

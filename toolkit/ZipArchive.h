@@ -21,7 +21,7 @@ public:
     /// The content as UTF-8 text. Line-ending mode 0 keeps the line endings as they are stored; no other mode
     /// is offered. @p charset is that of the stored text; "utf-8" is offered. Nothing for any other value,
     /// for text that is not valid in the character set, or when there is no memory for a copy.
-    std::optional<std::string> UnzipToString(int lineEndingMode, const std::string& charset) const;
+    std::optional<std::string> UnzipToString(int lineEndingMode, const std::string& charset);
 
 private:
     std::string m_content;
@@ -37,7 +37,7 @@ public:
     /// Opens an archive on the disk. Each operation reads the file anew.
     bool OpenZip(const std::filesystem::path& file);
     /// Password for encrypted entries; before or after opening.
-    void SetPassword(std::string password);
+    void SetPassword(std::string password) { m_password = std::move(password); }
     /// The entry at @p index, counted from 0 in the order of the archive. Null when there is none ("Index out
     /// of range"), when its content is damaged or above 256 MiB, or when the password is wrong.
     std::unique_ptr<ZipEntry> GetEntryByIndex(int index);
@@ -45,21 +45,15 @@ public:
     /// The number of files, or -1. An archive with a hostile or a damaged entry is refused before anything is
     /// written; when the disk fails half-way, what was unpacked so far stays.
     int Unzip(const std::filesystem::path& directory);
-    void CloseZip();
-
-    /// Why the last operation failed, in words; empty after a success.
-    const std::string& LastErrorText() const { return m_lastError; }
+    void CloseZip() { m_source = std::monostate(); }
 
 private:
-    template <typename Operation>
-    bool Attempt(Operation operation);
     /// Throws when nothing is open.
     std::unique_ptr<ZipReader> Reader() const;
 
     /// Nothing, the bytes of an archive, or the file that holds one.
     std::variant<std::monostate, std::string, std::filesystem::path> m_source;
     std::string m_password;
-    std::string m_lastError;
 };
 
 } // namespace toolkit

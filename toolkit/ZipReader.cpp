@@ -40,52 +40,44 @@ private:
 #endif
 };
 
-ZipReader::ZipReader() : m_utf8(std::make_unique<Utf8Scope>()), m_archive(archive_read_new())
+ZipReader::ZipReader(const std::string& password)
+    : m_utf8(std::make_unique<Utf8Scope>()), m_archive(archive_read_new(), &archive_read_free)
 {
     if (!m_archive)
         throw std::bad_alloc();
+    // Only the reader that starts at the central directory: the streaming one takes a cut archive for whole.
+    Require(archive_read_support_format_zip_seekable(m_archive.get()));
+    if (!password.empty())
+        Require(archive_read_add_passphrase(m_archive.get(), password.c_str()));
 }
 
-ZipReader::ZipReader(std::string_view bytes, const std::string& password) : ZipReader()
+ZipReader::ZipReader(std::string_view bytes, const std::string& password) : ZipReader(password)
 {
-    Prepare(password);
-    Require(archive_read_open_memory(m_archive, bytes.data(), bytes.size()));
+    Require(archive_read_open_memory(m_archive.get(), bytes.data(), bytes.size()));
 }
 
-ZipReader::ZipReader(const std::filesystem::path& file, const std::string& password) : ZipReader()
+ZipReader::ZipReader(const std::filesystem::path& file, const std::string& password) : ZipReader(password)
 {
-    Prepare(password);
 #ifdef _WIN32
-    Require(archive_read_open_filename_w(m_archive, file.c_str(), kBlockBytes));
+    Require(archive_read_open_filename_w(m_archive.get(), file.c_str(), kBlockBytes));
 #else
-    Require(archive_read_open_filename(m_archive, file.c_str(), kBlockBytes));
+    Require(archive_read_open_filename(m_archive.get(), file.c_str(), kBlockBytes));
 #endif
 }
 
-ZipReader::~ZipReader()
-{
-    archive_read_free(m_archive);
-}
-
-void ZipReader::Prepare(const std::string& password)
-{
-    // Only the reader that starts at the central directory: the streaming one takes a cut archive for whole.
-    Require(archive_read_support_format_zip_seekable(m_archive));
-    if (!password.empty())
-        Require(archive_read_add_passphrase(m_archive, password.c_str()));
-}
+ZipReader::~ZipReader() = default;
 
 void ZipReader::Require(int result)
 {
     if (result == ARCHIVE_OK)
         return;
-    const char* const words = archive_error_string(m_archive);
+    const char* const words = archive_error_string(m_archive.get());
     throw std::runtime_error(words ? words : "The archive is damaged");
 }
 
 bool ZipReader::Next()
 {
-    const int result = archive_read_next_header(m_archive, &m_entry);
+    const int result = archive_read_next_header(m_archive.get(), &m_entry);
     if (result == ARCHIVE_EOF)
         return false;
     Require(result);
@@ -130,20 +122,18 @@ std::uint64_t ZipReader::Size() const
 
 std::filesystem::perms ZipReader::ExecuteBits() const
 {
-    return static_cast<std::filesystem::perms>(archive_entry_perm(m_entry)) &
-           (std::filesystem::perms::owner_exec | std::filesystem::perms::group_exec |
-            std::filesystem::perms::others_exec);
+    return static_cast<std::filesystem::perms>(archive_entry_perm(m_entry) & 0111);
 }
 
 std::uint64_t ZipReader::Read(const std::function<void(std::string_view)>& sink)
 {
-    const std::int64_t start = archive_filter_bytes(m_archive, -1);
+    const std::int64_t start = archive_filter_bytes(m_archive.get(), -1);
     std::uint64_t total = 0;
     for (;;) {
         const void* piece = nullptr;
         std::size_t bytes = 0;
         la_int64_t offset = 0;
-        const int result = archive_read_data_block(m_archive, &piece, &bytes, &offset);
+        const int result = archive_read_data_block(m_archive.get(), &piece, &bytes, &offset);
         if (result == ARCHIVE_EOF)
             break;
         Require(result);
@@ -154,7 +144,7 @@ std::uint64_t ZipReader::Read(const std::function<void(std::string_view)>& sink)
     }
     if (total != Size())
         throw std::runtime_error("The archive holds a file that is smaller than it claims");
-    return static_cast<std::uint64_t>(archive_filter_bytes(m_archive, -1) - start);
+    return static_cast<std::uint64_t>(archive_filter_bytes(m_archive.get(), -1) - start);
 }
 
 } // namespace toolkit

@@ -45,12 +45,11 @@ public:
 private:
     class Utf8Scope;
 
-    ZipReader();
-    void Prepare(const std::string& password);
+    explicit ZipReader(const std::string& password);
     void Require(int result);
 
     std::unique_ptr<Utf8Scope> m_utf8;
-    archive* m_archive;
+    std::unique_ptr<archive, int (*)(archive*)> m_archive;
     archive_entry* m_entry = nullptr;
 };
 

@@ -83,9 +83,10 @@ void RawServer::Connection::Hang()
 RawServer::RawServer(Handler handler, Mode mode) : m_handler(std::move(handler)), m_mode(mode)
 {
     std::signal(SIGPIPE, SIG_IGN);
-    if (mode == Mode::Tls || mode == Mode::TlsForOtherHost)
+    if (mode != Mode::Plain)
         MakeCertificate();
     m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    Require(m_listener >= 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);

@@ -1,5 +1,6 @@
 #include "tests/support/RawServer.h"
 #include "toolkit/HttpClient.h"
+#include "toolkit/Url.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -8,6 +9,8 @@
 #include <zlib.h>
 
 #include <array>
+#include <climits>
+#include <future>
 #include <thread>
 
 using toolkit::Exchange;
@@ -70,7 +73,9 @@ private slots:
         whole("compressed", RawServer::Ok(packed, zip), 200, "{\"a\":1}");
         whole("no bytes", RawServer::Ok(""), 200, "");
         whole("no content", "HTTP/1.1 204 No Content\r\n\r\n", 204, "");
-        whole("interim", "HTTP/1.1 100 Continue\r\n\r\n" + RawServer::Ok("x"), 200, "x");
+        const std::string interim = "HTTP/1.1 103 Early\r\nContent-Length: 3\r\n" + zip + "\r\n";
+        whole("interim", "HTTP/1.1 100 Continue\r\n\r\n" + interim + RawServer::Ok("x"), 200, "x");
+        whole("interim, then compressed", interim + RawServer::Ok(packed, zip), 200, "{\"a\":1}");
         whole("error status", "HTTP/1.1 500 No\r\nContent-Length: 2\r\n\r\nno", 500, "no");
         whole("redirect is not followed", "HTTP/1.1 302 F\r\nLocation: /b\r\nContent-Length: 0\r\n\r\n", 302,
               "");
@@ -88,6 +93,8 @@ private slots:
         failed("unchunked transfer encoding", kOk + "Transfer-Encoding: identity\r\n\r\nabc", End::TlsClose);
         failed("not a final status", "HTTP/1.1 101 Switching\r\nContent-Length: 2\r\n\r\nno", End::TlsClose,
                101);
+        failed("length of an interim answer", interim + kOk + "\r\nabc", End::TlsClose);
+        failed("cut behind an interim answer", interim + kOk + "Content-Length: 0\r\n", End::TlsClose);
         failed("no gzip", RawServer::Ok("abc", zip), End::Keep);
         failed("cut gzip", RawServer::Ok(packed.substr(0, packed.size() - 9), zip), End::Keep);
         failed("gzip without its checksum", RawServer::Ok(packed.substr(0, packed.size() - 8), zip),
@@ -205,7 +212,7 @@ private slots:
         QTest::newRow("in the body") << Mode::Plain << Pieces{head + "ab"} << 1400 << silent;
         QTest::newRow("slow but alive") << Mode::Plain << Pieces{head, "ab", "cd", "ef"} << 1600 << QString();
         QTest::newRow("no connection")
-            << Mode::NoHandshake << Pieces() << 1000 << "Timed out: no connection within 1 second";
+            << Mode::NoHandshake << Pieces() << 2000 << "Timed out: no connection within 2 seconds";
     }
     void timeouts()
     {
@@ -223,7 +230,10 @@ private slots:
             },
             mode);
         HttpClient client;
-        client.SetConnectTimeout(1);
+        // The system's trust anchors would take their time to read.
+        if (mode != Mode::Plain)
+            client.SetTrustAnchors(server.CaFile());
+        client.SetConnectTimeout(2);
         client.SetReadTimeout(1);
         QElapsedTimer timer;
         timer.start();
@@ -270,6 +280,61 @@ private slots:
         QCOMPARE(connectionsAfter(Exchange::Read), 1);
         QCOMPARE(connectionsAfter(Exchange::Write), 2);
         QCOMPARE(connectionsAfter(Exchange::Read), 2);
+    }
+
+    void unaskedAnswer()
+    {
+        // What comes before the next request must not be taken for its answer.
+        std::promise<Connection*> peer;
+        RawServer server([&, first = true](Connection& connection) mutable {
+            connection.Receive();
+            connection.Send(RawServer::Ok("asked"));
+            if (std::exchange(first, false))
+                peer.set_value(&connection);
+            connection.Hang();
+        });
+        const auto read = [&] { return HttpClient().PostJson(server.Origin(), "{}", Exchange::Read); };
+        QVERIFY(read());
+        QVERIFY(peer.get_future().get()->Send(RawServer::Ok("forged")));
+        const auto second = read();
+        QVERIFY(second && second->BodyStr() == "asked");
+    }
+
+    void foldedFirstHeader()
+    {
+        // Whether libcurl takes it or not, it must not use freed memory (found by a sanitizer).
+        RawServer server([](Connection& connection) {
+            for (const char* line : {"X: 1\r\n", " Folded: 1\r\n", "X: 1\r\n"}) {
+                connection.Receive();
+                connection.Send(kOk + line + "Content-Length: 2\r\n\r\n{}");
+            }
+        });
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(HttpClient().PostJson(server.Origin(), "{}", Exchange::Read) || i == 1);
+    }
+
+    void origins()
+    {
+        for (const char* bad : {"", "host:80", "ftp://host", "http:/host", "https://", "https://host:65536"})
+            QVERIFY2(!toolkit::OriginOf(bad), bad);
+        const std::pair<const char*, const char*> good[]{
+            {"https://host", "https://host:443/p"},   {"http://host/", "http://host:80/p"},
+            {"HTTPS://host:84", "https://host:84/p"}, {"https://[::1]/", "https://[::1]:443/p"},
+            {"http://[::1]:81", "http://[::1]:81/p"}, {"https://u:w@h/a?b#c", "https://h:443/p"}};
+        for (const auto& [address, expected] : good)
+            QCOMPARE(toolkit::UrlAt(*toolkit::OriginOf(address), "/p").c_str(), expected);
+        QCOMPARE(toolkit::UrlAt({"::1", 80, false}, "/p").c_str(), "http://[::1]:80/p");
+    }
+
+    void timeoutSettings()
+    {
+        HttpClient client;
+        QVERIFY(client.ConnectTimeoutMs() == 30000 && client.ReadTimeoutMs() == 60000);
+        for (const auto& [seconds, ms] : {std::pair(7, 7000), {0, 1000}, {INT_MAX, 86400000}}) {
+            client.SetConnectTimeout(seconds);
+            client.SetReadTimeout(seconds);
+            QVERIFY(client.ConnectTimeoutMs() == ms && client.ReadTimeoutMs() == ms);
+        }
     }
 
     void trust()
