@@ -8,17 +8,13 @@
 
 namespace {
 
-constexpr int kTimeoutSeconds = 30;
-
-/// Takes in what the service's envelope names; a member that is absent leaves what is there.
+/// Reads the service's envelope; without a "code" the HTTP status stays.
 void readEnvelope(const QJsonObject& envelope, ApiResponse* response)
 {
     if (envelope.contains(QLatin1String("code")))
         response->code = static_cast<quint8>(envelope.value(QLatin1String("code")).toInt() & 0xff);
-    if (envelope.contains(QLatin1String("success")))
-        response->success = envelope.value(QLatin1String("success")).toBool();
-    if (envelope.contains(QLatin1String("message")))
-        response->message = envelope.value(QLatin1String("message")).toString();
+    response->success = envelope.value(QLatin1String("success")).toBool();
+    response->message = envelope.value(QLatin1String("message")).toString();
 
     const QJsonValue data = envelope.value(QLatin1String("data"));
     if (data.isArray())
@@ -29,58 +25,64 @@ void readEnvelope(const QJsonObject& envelope, ApiResponse* response)
 
 } // namespace
 
-void APIBase::setBaseUrl(const QString& baseUrl)
+toolkit::HttpClient APIBase::basicClient() const
 {
-    m_baseUrl = baseUrl;
+    toolkit::HttpClient client;
+    client.SetTrustAnchors(nativePath(m_trustAnchors));
+    return client;
 }
 
-QString APIBase::baseUrl() const
+toolkit::HttpClient APIBase::client() const
 {
-    return m_baseUrl;
+    toolkit::HttpClient client = basicClient();
+    client.SetConnectTimeout(m_timeoutSeconds);
+    client.SetReadTimeout(m_timeoutSeconds);
+    return client;
 }
 
-void APIBase::setTrustAnchors(const QString& pemFile)
+std::unique_ptr<toolkit::HttpResponse> APIBase::post(toolkit::HttpClient* client, const QString& path,
+                                                     const QJsonObject& params,
+                                                     toolkit::Exchange exchange) const
 {
-    m_trustAnchors = pemFile;
-}
-
-void APIBase::trust(toolkit::HttpClient* client) const
-{
-    client->SetTrustAnchors(nativePath(m_trustAnchors));
-}
-
-void APIBase::configure(toolkit::HttpClient* client) const
-{
-    trust(client);
-    client->SetConnectTimeout(kTimeoutSeconds);
-    client->SetReadTimeout(kTimeoutSeconds);
+    client->SetRequestHeader("Content-Type", "application/json");
+    const QByteArray body = QJsonDocument(params).toJson(QJsonDocument::Compact);
+    return client->PostJson((m_baseUrl + path).toStdString(), body.toStdString(), exchange);
 }
 
 ApiResponse APIBase::sendPostRequest(const QString& path, const QJsonObject& params,
                                      toolkit::Exchange exchange) const
 {
-    toolkit::HttpClient client;
-    configure(&client);
-    client.SetRequestHeader("Content-Type", "application/json");
+    LOG_D << "url: " << m_baseUrl + path;
+    LOG_D << "params: " << params;
+    auto client = this->client();
+    const auto answer = post(&client, path, params, exchange);
 
     ApiResponse response;
-    const QString url = m_baseUrl + path;
-    LOG_D << "url: " << url;
-    LOG_D << "params: " << params;
-
-    const QByteArray body = QJsonDocument(params).toJson(QJsonDocument::Compact);
-    const auto answer = client.PostJson(url.toStdString(), body.toStdString(), exchange);
     response.code = static_cast<quint8>(client.LastStatus() & 0xff);
-    if (!client.LastCallSucceeded() || !answer) {
+    if (!answer)
         response.message = QString::fromStdString(client.LastErrorText());
-        return response;
-    }
-    const auto text = answer->BodyStr();
-    if (!text) {
+    else if (const auto text = answer->BodyStr())
+        readEnvelope(jsonObject(*text), &response);
+    else
         response.message = QStringLiteral("No response body");
-        return response;
-    }
-    const auto json = QByteArray::fromRawData(text->data(), static_cast<int>(text->size()));
-    readEnvelope(QJsonDocument::fromJson(json).object(), &response);
     return response;
+}
+
+bool APIBase::downloadFile(const QString& url, const QString& outputPath) const
+{
+    // "outputPah": the spelling is part of the log's form; kept.
+    LOG_D << "path: " << url << " -- outputPah: " << outputPath;
+    auto client = this->client();
+    const bool whole = client.Download(url.toStdString(), nativePath(outputPath));
+    if (whole)
+        LOG_D << "Download " << url << " success";
+    else
+        LOG_D << "Download ERROR: " << QString::fromStdString(client.LastErrorText());
+    return whole;
+}
+
+QJsonObject APIBase::jsonObject(std::string_view text)
+{
+    const auto bytes = QByteArray::fromRawData(text.data(), static_cast<int>(text.size()));
+    return QJsonDocument::fromJson(bytes).object();
 }

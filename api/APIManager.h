@@ -11,7 +11,7 @@ public:
     static APIManager* instance();
 
     /// A shared reference, so that a job's client lives at least as long as the job.
-    std::shared_ptr<VelstrandAPI> api() const;
+    std::shared_ptr<VelstrandAPI> api() const { return m_api; }
 
 private:
     APIManager();

@@ -9,7 +9,7 @@ struct ApiResponse {
     quint8 code = 0;
     /// False unless the service said true.
     bool success = false;
-    /// The service's words, or why there is no answer.
+    /// The service's message, or why there is no answer.
     QString message;
     /// The answer's array or object; null for anything else.
     QJsonDocument data;

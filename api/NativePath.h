@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-/// A file name as the file system takes it: wide on Windows, UTF-8 elsewhere.
+/// A file name in the form that the file system expects: wide on Windows, UTF-8 elsewhere.
 inline std::filesystem::path nativePath(const QString& path)
 {
     return std::filesystem::u8path(path.toStdString());

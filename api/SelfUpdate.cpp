@@ -23,7 +23,7 @@ const char* outcome(bool done)
     return done ? "success" : "false";
 }
 
-/// Sets the running executable aside. Never replaces what an earlier update has parked.
+/// Moves the running executable aside, but never over one that an earlier update has parked.
 bool parkExecutable()
 {
     std::error_code error;
@@ -33,8 +33,8 @@ bool parkExecutable()
     return !error;
 }
 
-/// Puts the unpacked executable into the place of the parked one: by a move, so that the folder is without an
-/// executable as short as can be, and by a copy only where the temporary folder lies on another volume.
+/// Moves the unpacked executable into place, so that the folder lacks one only for a moment; copies it only
+/// if the temporary folder is on another volume.
 bool placeExecutable(const fs::path& unpacked)
 {
     std::error_code error;
@@ -46,7 +46,7 @@ bool placeExecutable(const fs::path& unpacked)
 
     fs::path partial = kExecutable;
     partial += ".part";
-    // A copy goes through a link; whatever an earlier attempt has left there makes room.
+    // A copy would write through a link, so whatever an earlier attempt has left there must go.
     toolkit::RemoveAll(partial);
     error.clear();
     fs::copy_file(unpacked, partial, error);
@@ -72,7 +72,7 @@ bool installNewVersion(const VelstrandAPI& api, uint version, const QString& url
     const QString unpacked = folder + QStringLiteral("/velstrand");
     const QString newExecutable = unpacked + QStringLiteral("/Velstrand.exe");
 
-    // An attempt that was broken off may have left anything under these names.
+    // An interrupted attempt may have left anything under these names.
     toolkit::RemoveAll(nativePath(archive));
     toolkit::RemoveAll(nativePath(unpacked));
 
@@ -100,7 +100,7 @@ bool installNewVersion(const VelstrandAPI& api, uint version, const QString& url
 
     const QString executable = QDir::current().absoluteFilePath(QStringLiteral("Velstrand.exe"));
     QProcess::startDetached(executable, QStringList(), QDir::currentPath());
-    // The event loop belongs to another thread: asked through its queue, not touched.
+    // The event loop runs on another thread, so it is asked through its queue.
     QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
     return true;
 }

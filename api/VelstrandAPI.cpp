@@ -5,14 +5,9 @@
 
 #include <QtGlobal>
 
-using toolkit::Exchange;
-
 namespace {
 
-QJsonObject withToken(const QString& token)
-{
-    return {{"token", token}};
-}
+const QLatin1String kPathPrefix("/api/v1/");
 
 QJsonArray idObjects(const QStringList& cloneIds)
 {
@@ -51,10 +46,19 @@ VelstrandAPI::VelstrandAPI(QObject* parent) : APIBase(parent)
     setTrustAnchors(qEnvironmentVariable("VELSTRAND_CA_FILE"));
 }
 
+ApiResponse VelstrandAPI::read(const char* operation, const QJsonObject& params) const
+{
+    return sendPostRequest(kPathPrefix + operation, params, toolkit::Exchange::Read);
+}
+
+bool VelstrandAPI::change(const char* operation, const QJsonObject& params) const
+{
+    return sendPostRequest(kPathPrefix + operation, params, toolkit::Exchange::Write).success;
+}
+
 bool VelstrandAPI::getGlobalConfig(const QString& token, QString* configJson) const
 {
-    const auto response =
-        sendPostRequest(QStringLiteral("/api/v1/config/get-global"), withToken(token), Exchange::Read);
+    const auto response = read("config/get-global", {{"token", token}});
     if (!response.success)
         return false;
     *configJson = QString::fromUtf8(response.data.toJson(QJsonDocument::Compact));
@@ -63,100 +67,74 @@ bool VelstrandAPI::getGlobalConfig(const QString& token, QString* configJson) co
 
 bool VelstrandAPI::getDeviceList(const QString& token, QJsonArray* array) const
 {
-    return takeArray(sendPostRequest(QStringLiteral("/api/v1/device/list"), withToken(token), Exchange::Read),
-                     array);
+    return takeArray(read("device/list", {{"token", token}}), array);
 }
 
 bool VelstrandAPI::confirmDevice(const QString& token, const QString& androidId) const
 {
-    auto params = withToken(token);
-    params.insert("device_info", QJsonObject{{"android_id", androidId}});
-    return sendPostRequest(QStringLiteral("/api/v1/device/confirm"), params, Exchange::Write).success;
+    return change("device/confirm",
+                  {{"token", token}, {"device_info", QJsonObject{{"android_id", androidId}}}});
 }
 
 bool VelstrandAPI::deleteDevice(const QString& token, const QString& androidId) const
 {
-    auto params = withToken(token);
-    params.insert("device_info", QJsonObject{{"android_id", androidId}});
-    return sendPostRequest(QStringLiteral("/api/v1/device/delete"), params, Exchange::Write).success;
+    return change("device/delete",
+                  {{"token", token}, {"device_info", QJsonObject{{"android_id", androidId}}}});
 }
 
 bool VelstrandAPI::saveDeviceConfig(const QString& token, const QString& androidId,
                                     const QJsonObject& deviceConfig) const
 {
-    auto params = withToken(token);
-    params.insert("android_id", androidId);
-    params.insert("device_config", deviceConfig);
-    return sendPostRequest(QStringLiteral("/api/v1/device/save-config"), params, Exchange::Write).success;
+    return change("device/save-config",
+                  {{"token", token}, {"android_id", androidId}, {"device_config", deviceConfig}});
 }
 
 bool VelstrandAPI::getUserInfo(const QString& token, QJsonObject* userInfo) const
 {
-    const auto response =
-        sendPostRequest(QStringLiteral("/api/v1/user/get-info"), withToken(token), Exchange::Read);
+    const auto response = read("user/get-info", {{"token", token}});
     LOG_D << "doc: " << response.data;
     return takeObject(response, userInfo);
 }
 
 bool VelstrandAPI::getCloneList(const QString& token, const QString& androidId, QJsonArray* array) const
 {
-    auto params = withToken(token);
-    params.insert("android_id", androidId);
-    return takeArray(sendPostRequest(QStringLiteral("/api/v1/clone/list"), params, Exchange::Read), array);
+    return takeArray(read("clone/list", {{"token", token}, {"android_id", androidId}}), array);
 }
 
 bool VelstrandAPI::addClones(const QString& token, const QString& network, const QJsonArray& clones) const
 {
-    auto params = withToken(token);
-    params.insert("network", network);
-    params.insert("clones", clones);
-    return sendPostRequest(QStringLiteral("/api/v1/clone/add"), params, Exchange::Write).success;
+    return change("clone/add", {{"token", token}, {"network", network}, {"clones", clones}});
 }
 
 bool VelstrandAPI::updateGlobalConfig(const QString& token, const QJsonObject& globalConfig) const
 {
     LOG_D;
-    auto params = withToken(token);
-    params.insert("global_config", globalConfig);
-    return sendPostRequest(QStringLiteral("/api/v1/config/update-global"), params, Exchange::Write).success;
+    return change("config/update-global", {{"token", token}, {"global_config", globalConfig}});
 }
 
 bool VelstrandAPI::getReports(const QString& token, const QJsonArray& dateList, QJsonObject* reports) const
 {
-    auto params = withToken(token);
-    params.insert("date_list", dateList);
-    return takeObject(sendPostRequest(QStringLiteral("/api/v1/reports/get"), params, Exchange::Read),
-                      reports);
+    return takeObject(read("reports/get", {{"token", token}, {"date_list", dateList}}), reports);
 }
 
 bool VelstrandAPI::upsertFarmProfile(const QString& token, const QJsonObject& farmProfile) const
 {
-    auto params = withToken(token);
-    params.insert("farm_profile", farmProfile);
-    return sendPostRequest(QStringLiteral("/api/v1/user/upsert-farm-profile"), params, Exchange::Write)
-        .success;
+    return change("user/upsert-farm-profile", {{"token", token}, {"farm_profile", farmProfile}});
 }
 
 bool VelstrandAPI::resetLiveClones(const QString& token, const QStringList& cloneIds) const
 {
-    auto params = withToken(token);
-    params.insert("clones", idObjects(cloneIds));
-    return sendPostRequest(QStringLiteral("/api/v1/clone/reset-live"), params, Exchange::Write).success;
+    return change("clone/reset-live", {{"token", token}, {"clones", idObjects(cloneIds)}});
 }
 
 bool VelstrandAPI::deleteClones(const QString& token, const QStringList& cloneIds) const
 {
-    auto params = withToken(token);
-    params.insert("clones", idObjects(cloneIds));
-    return sendPostRequest(QStringLiteral("/api/v1/clone/delete"), params, Exchange::Write).success;
+    return change("clone/delete", {{"token", token}, {"clones", idObjects(cloneIds)}});
 }
 
 bool VelstrandAPI::updateCloneFarmProfile(const QString& token, const QStringList& cloneIds,
                                           const QString& farmProfile) const
 {
-    auto params = withToken(token);
-    params.insert("farm_profile", farmProfile);
-    params.insert("clones", idObjects(cloneIds));
-    return sendPostRequest(QStringLiteral("/api/v1/clone/update-farm-profile"), params, Exchange::Write)
-        .success;
+    return change("clone/update-farm-profile",
+                  {{"token", token}, {"farm_profile", farmProfile}, {"clones", idObjects(cloneIds)}});
 }

@@ -5,20 +5,20 @@
 #include <QJsonArray>
 #include <QStringList>
 
-/// The service's operations. Each blocks until it is answered, may run on any thread, never throws and
-/// returns whether the service carried it out; an out argument is written on success only. Every request
-/// carries the user's token.
+/// The service's operations. Each blocks until it is answered and returns whether the service carried it out;
+/// out arguments are written on success only. Nothing throws. Every request carries the user's token. Any
+/// thread.
 class VelstrandAPI : public APIBase
 {
     Q_OBJECT
 
 public:
-    /// Reads the origin and the trust anchors: VELSTRAND_SERVICE_URL and VELSTRAND_CA_FILE of the
-    /// environment, else the origin that was compiled in and the system's store.
+    /// Reads the origin and the trust anchors from VELSTRAND_SERVICE_URL and VELSTRAND_CA_FILE in the
+    /// environment; the defaults are the origin that was compiled in and the system's store.
     explicit VelstrandAPI(QObject* parent = nullptr);
 
-    /// @p configJson becomes the configuration as compact JSON text. It is also written, as the service's
-    /// data stand, when the service succeeds with data of another shape; the result is then false.
+    /// @p configJson becomes the configuration as compact JSON text. A success with data of another shape is
+    /// written too, but the result is false.
     bool getGlobalConfig(const QString& token, QString* configJson) const;
     bool getDeviceList(const QString& token, QJsonArray* array) const;
     bool confirmDevice(const QString& token, const QString& androidId) const;
@@ -45,6 +45,9 @@ public:
     /// log.
     bool getDefinition(const QString& token, int version) const;
 
-    /// GETs @p url into the file @p outputPath; the file is only ever whole.
-    bool downloadFile(const QString& url, const QString& outputPath) const;
+private:
+    /// The answer to an operation that changes nothing, and so may be repeated.
+    ApiResponse read(const char* operation, const QJsonObject& params) const;
+    /// Sends a change, once at most; whether the service has carried it out.
+    bool change(const char* operation, const QJsonObject& params) const;
 };

@@ -21,8 +21,8 @@ void AppIO::sendToClibboard(const QString& text)
 
 bool AppIO::eventFilter(QObject* watched, QEvent* event)
 {
-    // A key event passes the application once for its window and once for each item that it is offered to;
-    // only the window's counts.
+    // The application sees a key event once for the window, then again for each item that is offered it. Only
+    // the first counts.
     if (watched->isWindowType()) {
         if (event->type() == QEvent::KeyPress)
             keyPressed(static_cast<QKeyEvent*>(event)->key());
@@ -47,7 +47,7 @@ void AppIO::updateModifiers(int key)
 {
     if (key != Qt::Key_Shift && key != Qt::Key_Control)
         return;
-    // The modifiers of the key's own event do not count that key yet; the system's do.
+    // The event's own modifiers do not include its key yet; the system's do.
     const auto modifiers = m_application->queryKeyboardModifiers();
     if (modifiers == m_keyboardModifiers)
         return;

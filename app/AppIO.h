@@ -4,9 +4,9 @@
 
 class QGuiApplication;
 
-/// What the scene needs of keyboard and clipboard: the Shift and Control keys that are held, the keys for
-/// select-all and copy wherever the focus is, and a way to the clipboard. Sees every event, consumes none.
-/// Lives on the UI thread.
+/// Keyboard and clipboard for the scene: whether Shift and Control are down, the select-all and copy keys
+/// wherever the focus is, and writing to the clipboard. Sees every event and consumes none. Lives on the UI
+/// thread.
 class AppIO : public QObject
 {
     Q_OBJECT
@@ -17,7 +17,8 @@ public:
 
     Qt::KeyboardModifiers keyboardModifiers() const;
 
-    /// Puts @p text on the system clipboard as plain text.
+    /// Puts @p text on the system clipboard as plain text. The name's spelling is part of the interface;
+    /// kept.
     Q_INVOKABLE void sendToClibboard(const QString& text);
 
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -1,10 +1,9 @@
 #include "app/Application.h"
 
 #include "api/APIManager.h"
-#include "api/SelfUpdate.h"
 #include "api/VelstrandAPI.h"
 #include "app/AppIO.h"
-#include "app/Job.h"
+#include "app/VersionCheck.h"
 #include "logging/Log.h"
 #include "models/AppModel.h"
 #include "models/CloneImport.h"
@@ -13,23 +12,14 @@
 #include "models/FarmProfile.h"
 #include "models/GlobalConfig.h"
 
-#include <QScopeGuard>
-#include <QSettings>
-#include <QTimer>
+#include <QCoreApplication>
+#include <QPointer>
 #include <QtConcurrent>
-
-#include <mutex>
 
 namespace {
 
-constexpr int kVersionCheckIntervalMs = 10000;
 constexpr int kJobsAtOnce = 16;
 const QString kTokenKey = QStringLiteral("user_token");
-
-/// Whether a version check is under way. Set by the UI thread, cleared by the check's worker as its last
-/// step; the mutex makes sure that a check which ends at once is cleared after it was set.
-std::mutex versionCheckMutex;
-bool versionCheckBusy = false;
 
 VelstrandAPI& service()
 {
@@ -41,25 +31,42 @@ QString currentToken()
     return AppModel::instance()->userInfo()->token();
 }
 
-/// Delivers what a job has found out for the account with @p token, unless the user has taken another since.
-/// Only the UI thread, which sets the token, can tell.
-template <typename Message>
-void deliverFor(const QString& token, const Job& job, Message message)
-{
-    job.outlet->deliver([token, message](Application* app) {
-        if (currentToken() == token)
-            message(app);
-    });
-}
-
-std::unique_ptr<QSettings> openSettings()
-{
-    return std::make_unique<QSettings>(QStringLiteral("Velstrand"), QStringLiteral("Velstrand Manager"));
-}
-
 } // namespace
 
-Application::Application(QObject* parent) : QObject(parent), m_outlet(std::make_shared<JobOutlet>(this))
+/// What a job on a worker thread works with: values and shared references only, nothing that the UI thread
+/// may delete under it.
+struct Application::Job {
+    std::shared_ptr<VelstrandAPI> api;
+    /// As it was when the job was started.
+    QString token;
+    /// Dereferenced on the UI thread only.
+    QPointer<Application> controller;
+    /// Outlives every job: its destructor waits for the thread pool.
+    QCoreApplication* qtApplication;
+
+    /// Calls @p handler with the controller on the UI thread, unless the controller is gone by then.
+    template <typename Handler>
+    void deliver(Handler handler) const
+    {
+        const auto call = [app = controller, handler] {
+            if (app)
+                handler(app.data());
+        };
+        QMetaObject::invokeMethod(qtApplication, call, Qt::QueuedConnection);
+    }
+
+    /// The same, unless the token has changed since: what was asked for one account is not shown to another.
+    template <typename Handler>
+    void deliverForToken(Handler handler) const
+    {
+        deliver([asked = token, handler](Application* app) {
+            if (currentToken() == asked)
+                handler(app);
+        });
+    }
+};
+
+Application::Application(QObject* parent) : QObject(parent)
 {
     loadUserInfo();
 
@@ -68,18 +75,11 @@ Application::Application(QObject* parent) : QObject(parent), m_outlet(std::make_
     connect(this, &Application::getCloneListDone, this, &Application::onGetCloneListDone);
     connect(this, &Application::getGlobalConfig, this, &Application::onGetGlobalConfig);
 
-    // Jobs wait for the network, not for a processor: a long download must not keep the lists waiting.
+    // Jobs spend their time waiting for the network, so more of them may run than there are cores; a long
+    // download must not hold up the lists.
     QThreadPool::globalInstance()->setMaxThreadCount(kJobsAtOnce);
 
-    m_versionTimer = new QTimer(this);
-    m_versionTimer->setInterval(kVersionCheckIntervalMs);
-    connect(m_versionTimer, &QTimer::timeout, this, &Application::checkVersion);
-    m_versionTimer->start();
-}
-
-Application::~Application()
-{
-    m_outlet->close();
+    new VersionCheck(this);
 }
 
 void Application::setAppIO(AppIO* appIO)
@@ -89,39 +89,45 @@ void Application::setAppIO(AppIO* appIO)
 
 void Application::start(std::function<void(const Job&)> work)
 {
-    const Job job{APIManager::instance()->api(), AppModel::instance()->userInfo()->tokenReader(), m_outlet};
-    QtConcurrent::run(std::function<void()>([job, work = std::move(work)] { work(job); }));
+    const Job job{APIManager::instance()->api(), currentToken(), this, QCoreApplication::instance()};
+    QtConcurrent::run([job, work = std::move(work)] { work(job); });
+}
+
+bool Application::announce(bool done, const QString& failure, const QString& success)
+{
+    if (!done)
+        emit pushNotification(Error, failure);
+    else if (!success.isEmpty())
+        emit pushNotification(Info, success);
+    return done;
 }
 
 // Session
 
 void Application::loadUserInfo()
 {
-    m_settings = openSettings();
-    const QString token = m_settings->value(kTokenKey, QString()).toString();
+    const QString token = m_settings.value(kTokenKey, QString()).toString();
     LOG_D << "userToken: " << token;
     AppModel::instance()->setUserInfo(new UserInfo(token, this));
 }
 
 void Application::loadAllCachedUsers()
 {
-    m_settings = openSettings();
-    m_settings->value(QStringLiteral("cached_users")).toJsonArray();
+    m_settings.value(QStringLiteral("cached_users")).toJsonArray();
 }
 
 void Application::checkUser()
 {
-    // The validation popup asks again and again; while the service hangs, one question at a time is enough.
+    // The validation popup keeps asking; while the service hangs, one request at a time is enough.
     const UserInfo* const user = AppModel::instance()->userInfo();
     if (!user->isValidated() && m_checkedToken == user->token())
         return;
     m_checkedToken = user->token();
-    start([checked = user->token()](const Job& job) {
-        const QString token = job.token();
+    start([](const Job& job) {
         QJsonObject userInfo;
-        const bool answered = job.api->getUserInfo(token, &userInfo);
-        job.outlet->deliver([checked, token, answered, userInfo](Application* app) {
-            if (app->m_checkedToken == checked)
+        const bool answered = job.api->getUserInfo(job.token, &userInfo);
+        job.deliver([token = job.token, answered, userInfo](Application* app) {
+            if (app->m_checkedToken == token)
                 app->m_checkedToken.reset();
             if (answered && currentToken() == token)
                 emit app->getUserInfo(QVariant(userInfo));
@@ -139,11 +145,11 @@ void Application::onGetUserInfo(const QVariant& userInfo)
     const bool entering = !user->isValidated();
     if (!user->applyInfo(answer))
         return;
-    m_settings->setValue(kTokenKey, user->token());
+    m_settings.setValue(kTokenKey, user->token());
     emit pushNotification(Info, tr("Load user info successful!"));
     getGlobalConfigAsync();
     if (m_farmOwner != user->token()) {
-        // Nobody sees the farm of the account that was signed in before.
+        // The farm of the account that was signed in before must not stay on the screen.
         m_farmOwner = user->token();
         AppModel::instance()->clearFarm();
     }
@@ -156,10 +162,9 @@ void Application::onGetUserInfo(const QVariant& userInfo)
 void Application::getDeviceList()
 {
     start([](const Job& job) {
-        const QString token = job.token();
         QJsonArray array;
-        const bool fetched = job.api->getDeviceList(token, &array);
-        deliverFor(token, job, [fetched, records = array.toVariantList()](Application* app) {
+        const bool fetched = job.api->getDeviceList(job.token, &array);
+        job.deliverForToken([fetched, records = array.toVariantList()](Application* app) {
             emit app->getDeviceListDone(records);
             if (!fetched)
                 emit app->pushNotification(Error, tr("Load device list failure!"));
@@ -179,10 +184,8 @@ void Application::confirmSelectedDevice(QObject* device)
     const auto* const info = qobject_cast<DeviceInfo*>(device);
     if (!info)
         return;
-    if (service().confirmDevice(currentToken(), info->androidId()))
+    if (announce(service().confirmDevice(currentToken(), info->androidId()), tr("Confirm device failure!")))
         getDeviceList();
-    else
-        emit pushNotification(Error, tr("Confirm device failure!"));
 }
 
 void Application::deleteSelectedDevice(QObject* device)
@@ -190,9 +193,8 @@ void Application::deleteSelectedDevice(QObject* device)
     const auto* const info = qobject_cast<DeviceInfo*>(device);
     if (!info)
         return;
-    if (!service().deleteDevice(currentToken(), info->androidId()))
-        emit pushNotification(Error, tr("Delete device failure!"));
-    // Also after a failure: the service may have deleted it and the answer got lost.
+    announce(service().deleteDevice(currentToken(), info->androidId()), tr("Delete device failure!"));
+    // After a failure too: the service may have deleted the device although its answer was lost.
     getDeviceList();
 }
 
@@ -202,12 +204,10 @@ void Application::saveDeviceConfig(QObject* device)
     if (!info)
         return;
     start([androidId = info->androidId(), config = info->deviceConfig()->toJson()](const Job& job) {
-        const bool saved = job.api->saveDeviceConfig(job.token(), androidId, config);
-        job.outlet->deliver([saved](Application* app) {
-            if (saved)
-                emit app->pushNotification(Info, tr("Save device config successful!"));
-            else
-                emit app->pushNotification(Error, tr("Save device config falure!"));
+        const bool saved = job.api->saveDeviceConfig(job.token, androidId, config);
+        job.deliver([saved](Application* app) {
+            // "falure" here and for the definitions: the spelling is part of the interface; kept.
+            app->announce(saved, tr("Save device config falure!"), tr("Save device config successful!"));
         });
     });
 }
@@ -217,10 +217,9 @@ void Application::saveDeviceConfig(QObject* device)
 void Application::getCloneList()
 {
     start([](const Job& job) {
-        const QString token = job.token();
         QJsonArray array;
-        const bool fetched = job.api->getCloneList(token, QString(), &array);
-        deliverFor(token, job, [fetched, records = array.toVariantList()](Application* app) {
+        const bool fetched = job.api->getCloneList(job.token, QString(), &array);
+        job.deliverForToken([fetched, records = array.toVariantList()](Application* app) {
             emit app->getCloneListDone(records);
             if (!fetched)
                 emit app->pushNotification(Error, tr("Load clone list failure!"));
@@ -235,23 +234,23 @@ void Application::onGetCloneListDone(const QVariantList& array)
 
 void Application::updateFarmProfile(const QString& profile)
 {
-    if (!service().updateCloneFarmProfile(currentToken(), AppModel::instance()->selectedCloneIds(), profile))
-        emit pushNotification(Error, tr("Update farm profile failure!"));
+    const QStringList ids = AppModel::instance()->selectedCloneIds();
+    announce(service().updateCloneFarmProfile(currentToken(), ids, profile),
+             tr("Update farm profile failure!"));
     getCloneList();
 }
 
 void Application::resetSelectedClone()
 {
-    if (service().resetLiveClones(currentToken(), AppModel::instance()->selectedCloneIds()))
+    const QStringList ids = AppModel::instance()->selectedCloneIds();
+    if (announce(service().resetLiveClones(currentToken(), ids), tr("Reset clone failure!")))
         getCloneList();
-    else
-        emit pushNotification(Error, tr("Reset clone failure!"));
 }
 
 void Application::deleteSelectedClone()
 {
-    if (!service().deleteClones(currentToken(), AppModel::instance()->selectedCloneIds()))
-        emit pushNotification(Error, tr("Delete clone failure!"));
+    const QStringList ids = AppModel::instance()->selectedCloneIds();
+    announce(service().deleteClones(currentToken(), ids), tr("Delete clone failure!"));
     getCloneList();
 }
 
@@ -261,10 +260,8 @@ void Application::addClone(const QString& raw, const QString& network, const QSt
     const QJsonArray clones = cloneimport::parse(raw, profile);
     if (clones.isEmpty())
         return;
-    if (service().addClones(currentToken(), network, clones))
+    if (announce(service().addClones(currentToken(), network, clones), tr("Add clone failure!")))
         getCloneList();
-    else
-        emit pushNotification(Error, tr("Add clone failure!"));
 }
 
 void Application::selectAllClone(bool selected)
@@ -290,20 +287,17 @@ void Application::saveProfileSettings(QObject* profileObj)
     const auto* const profile = qobject_cast<FarmProfile*>(profileObj);
     if (!profile)
         return;
-    if (service().upsertFarmProfile(currentToken(), profile->toJson())) {
-        emit pushNotification(Info, tr("Save profile successful!"));
+    if (announce(service().upsertFarmProfile(currentToken(), profile->toJson()), tr("Save profile failure!"),
+                 tr("Save profile successful!")))
         checkUser();
-    } else {
-        emit pushNotification(Error, tr("Save profile failure!"));
-    }
 }
 
 void Application::getGlobalConfigAsync()
 {
     start([](const Job& job) {
         QString config;
-        if (job.api->getGlobalConfig(job.token(), &config))
-            job.outlet->deliver([config](Application* app) { emit app->getGlobalConfig(config); });
+        if (job.api->getGlobalConfig(job.token, &config))
+            job.deliverForToken([config](Application* app) { emit app->getGlobalConfig(config); });
     });
 }
 
@@ -325,64 +319,30 @@ void Application::applyGlobalSetting(int androidAppVer, const QString& androidAp
     config.setVsManagerAppVersion(text(managerAppVer));
     config.setVsManagerAppPath(managerAppPath);
     config.setVsDefinitionsVersion(text(definitionsVersion));
-    if (service().updateGlobalConfig(currentToken(), config.toJson())) {
-        emit pushNotification(Info, tr("Save global config successful!"));
+    if (announce(service().updateGlobalConfig(currentToken(), config.toJson()),
+                 tr("Save global config failure!"), tr("Save global config successful!")))
         getGlobalConfigAsync();
-    } else {
-        emit pushNotification(Error, tr("Save global config failure!"));
-    }
 }
 
 void Application::uploadDefinition(int ver, const QString& filePath)
 {
     LOG_D << "ver: " << ver << " file: " << filePath;
     QString error;
-    if (service().pushDefinition(currentToken(), ver, filePath, &error)) {
-        emit pushNotification(Info, tr("Upload definitions successful!"));
-    } else {
-        emit pushNotification(Error, tr("Upload definitions falure!"));
+    if (!announce(service().pushDefinition(currentToken(), ver, filePath, &error),
+                  tr("Upload definitions falure!"), tr("Upload definitions successful!")))
         LOG_D << "error: " << error;
-    }
 }
 
 void Application::getReports()
 {
     start([dates = AppModel::reportDates()](const Job& job) {
-        const QString token = job.token();
         QJsonObject answer;
-        const bool fetched = job.api->getReports(token, dates, &answer);
-        deliverFor(token, job, [fetched, days = ReportsByDate::readDays(answer)](Application* app) {
+        const bool fetched = job.api->getReports(job.token, dates, &answer);
+        job.deliverForToken([fetched, days = ReportsByDate::readDays(answer)](Application* app) {
             if (fetched)
                 AppModel::instance()->applyReports(days);
             else
                 emit app->pushNotification(Error, tr("Load report list failure!"));
         });
     });
-}
-
-// Newer builds
-
-void Application::checkVersion()
-{
-    const std::lock_guard lock(versionCheckMutex);
-    if (versionCheckBusy)
-        return;
-    start([](const Job& job) {
-        const auto last = qScopeGuard([] {
-            const std::lock_guard guard(versionCheckMutex);
-            versionCheckBusy = false;
-        });
-        QString text;
-        if (job.api->getGlobalConfig(job.token(), &text)) {
-            GlobalConfig config;
-            config.fromJson(QJsonDocument::fromJson(text.toUtf8()).object());
-            const uint version = config.vsManagerAppVersion().toUInt();
-            const bool restarts = version > uint(kBuildNumber) &&
-                                  installNewVersion(*job.api, version, config.vsManagerAppPath());
-            // The process is about to end; no further check may begin.
-            if (restarts)
-                job.outlet->deliver([](Application* app) { app->m_versionTimer->stop(); });
-        }
-    });
-    versionCheckBusy = true;
 }

@@ -3,21 +3,17 @@
 #include "app/BuildNumber.h"
 
 #include <QObject>
+#include <QSettings>
 #include <QVariant>
 
 #include <functional>
-#include <memory>
 #include <optional>
 
 class AppIO;
-class JobOutlet;
-class QSettings;
-class QTimer;
-struct Job;
 
-/// The controller: what the scene asks for is carried out through the service, and the outcome arrives in the
-/// data model and as notifications. Methods return at once where they run a job on the global thread pool and
-/// block for one request where they change data. Lives on the UI thread.
+/// The controller. Carries out what the scene asks for through the service; results arrive in the data model
+/// and as notifications. Fetches run as jobs on the global thread pool and return at once; changes, except
+/// saveDeviceConfig(), block for their request. Lives on the UI thread.
 class Application : public QObject
 {
     Q_OBJECT
@@ -27,9 +23,8 @@ public:
     /// Kinds of notification.
     enum MessageType { Info = 0, Warning = 1, Error = 2 };
 
-    /// Opens the settings, takes the stored token and starts to look for newer builds every 10 seconds.
+    /// Opens the settings, loads the stored token and starts looking for newer builds.
     explicit Application(QObject* parent);
-    ~Application() override;
 
     int appVersion() const { return kBuildNumber; }
     /// @p appIO is not owned.
@@ -38,38 +33,32 @@ public:
     /// Fetches the global configuration into the model. Never installs a newer build.
     void getGlobalConfigAsync();
 
-    /// Asks the service whether the current token is a user's, on a worker.
+    /// Checks the current token with the service.
     Q_INVOKABLE void checkUser();
     /// Reads the reserved list of earlier users; has no effect on the model.
     Q_INVOKABLE void loadAllCachedUsers();
-    /// Fetches the devices, and the clones too while there are none, on workers.
+    /// Fetches the devices, and the clones too while there are none.
     Q_INVOKABLE void getDeviceList();
-    /// Blocks for one request.
     Q_INVOKABLE void confirmSelectedDevice(QObject* device);
-    /// Blocks for one request.
     Q_INVOKABLE void deleteSelectedDevice(QObject* device);
-    /// Sends the device's configuration as it is now, on a worker.
+    /// Sends the device's configuration as it is now, as a job.
     Q_INVOKABLE void saveDeviceConfig(QObject* device);
-    /// Fetches the clones on a worker.
     Q_INVOKABLE void getCloneList();
-    /// Gives the ticked clones the farm profile of that name. Blocks for one request.
+    /// Assigns the farm profile of that name to the ticked clones.
     Q_INVOKABLE void updateFarmProfile(const QString& profile);
-    /// Sets the ticked clones live again. Blocks for one request.
+    /// Resets the ticked clones to live.
     Q_INVOKABLE void resetSelectedClone();
-    /// Deletes the ticked clones. Blocks for one request.
     Q_INVOKABLE void deleteSelectedClone();
-    /// Imports clones from text, one "uid|password|secret key" a line. Blocks for one request.
+    /// Imports clones from text, one "uid|password|secret key" a line.
     Q_INVOKABLE void addClone(const QString& raw, const QString& network, const QString& profile);
-    /// Uploads a definitions file. Blocks for the transfer.
+    /// Uploads a definitions file. Blocks for the whole transfer.
     Q_INVOKABLE void uploadDefinition(int ver, const QString& filePath);
-    /// Blocks for one request.
     Q_INVOKABLE void saveProfileSettings(QObject* profileObj);
-    /// Changes the global configuration; a version of 0 and an empty path keep what the service has. Blocks
-    /// for one request.
+    /// Changes the global configuration; a version of 0 and an empty path keep what the service has.
     Q_INVOKABLE void applyGlobalSetting(int androidAppVer, const QString& androidAppPath, int facebookAppVer,
                                         int managerAppVer, const QString& managerAppPath,
                                         int definitionsVersion);
-    /// Fetches the reports of the last ten days on a worker.
+    /// Fetches the reports of the last ten days.
     Q_INVOKABLE void getReports();
     /// Ticks or unticks every clone that passes the filter.
     Q_INVOKABLE void selectAllClone(bool);
@@ -93,15 +82,16 @@ private:
     void onGetCloneListDone(const QVariantList& array);
     void onGetGlobalConfig(const QString& configJson);
 
-    void checkVersion();
+    struct Job;
+    /// Runs @p work on a worker, for the token of this moment.
     void start(std::function<void(const Job&)> work);
+    /// Notifies the user of how a change ended; of a success only if @p success has text. Returns @p done.
+    bool announce(bool done, const QString& failure, const QString& success = QString());
 
-    std::unique_ptr<QSettings> m_settings;
+    QSettings m_settings{QStringLiteral("Velstrand"), QStringLiteral("Velstrand Manager")};
     AppIO* m_appIO = nullptr;
-    QTimer* m_versionTimer = nullptr;
-    /// The token that a check under way is about.
+    /// The token being checked, while a check is under way.
     std::optional<QString> m_checkedToken;
     /// Token of the account whose farm the model holds; empty before the first sign-in.
     QString m_farmOwner;
-    std::shared_ptr<JobOutlet> m_outlet;
 };

@@ -1,5 +1,6 @@
 #include "app/AppIO.h"
 #include "app/Application.h"
+#include "app/QmlTypes.h"
 #include "models/AppModel.h"
 
 #include <QFile>
@@ -12,7 +13,7 @@
 
 namespace {
 
-/// Installs the translation of the first of the user's languages that has one.
+/// Installs a translation for the first of the user's languages that has one.
 void installTranslation(QTranslator* translator)
 {
     const QStringList languages = QLocale::system().uiLanguages();
@@ -29,7 +30,7 @@ void installTranslation(QTranslator* translator)
 
 int main(int argc, char* argv[])
 {
-    // The executable of the build that this one has replaced.
+    // The previous build, set aside by the self-update.
     QFile::remove(QStringLiteral("temp.dat"));
 
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
@@ -42,7 +43,10 @@ int main(int argc, char* argv[])
     auto* const io = new AppIO(&application);
     controller->setAppIO(io);
 
+    registerQmlTypes();
     QQmlApplicationEngine engine;
+    // It has no parent, and the engine must never delete it.
+    QQmlEngine::setObjectOwnership(AppModel::instance(), QQmlEngine::CppOwnership);
     engine.rootContext()->setContextProperty(QStringLiteral("AppManager"), controller);
     engine.rootContext()->setContextProperty(QStringLiteral("AppModel"), AppModel::instance());
     engine.rootContext()->setContextProperty(QStringLiteral("AppIO"), io);

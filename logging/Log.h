@@ -11,5 +11,5 @@ inline QDebug logLine(const char* operation, int line)
     return QMessageLogger().debug() << "[D][" << operation << "][" << line << "]";
 }
 
-/// A log line in the name of the function that it stands in.
+/// Starts a log line under the name of the enclosing function.
 #define LOG_D logLine(__func__, __LINE__)

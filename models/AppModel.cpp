@@ -2,8 +2,6 @@
 
 #include "models/CloneFilter.h"
 
-#include <QQmlEngine>
-
 namespace {
 
 constexpr int kReportDays = 10;
@@ -12,11 +10,7 @@ constexpr int kReportDays = 10;
 
 AppModel* AppModel::instance()
 {
-    static AppModel* const model = [] {
-        auto* created = new AppModel; // lives as long as the process
-        QQmlEngine::setObjectOwnership(created, QQmlEngine::CppOwnership);
-        return created;
-    }();
+    static auto* const model = new AppModel; // lives as long as the process
     return model;
 }
 

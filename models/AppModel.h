@@ -43,7 +43,7 @@ public:
     /// the token of the present one, changes nothing. Announced to nobody: it happens before the scene
     /// exists. The objects stay owned by their parents.
     void setUserInfo(UserInfo* userInfo);
-    /// Always empty; held for a list of further accounts.
+    /// Always empty; reserved for further accounts.
     const QList<QObject*>& cachedUsers() const { return m_cachedUsers; }
 
     const QList<QObject*>& deviceList() const { return m_devices.objects; }

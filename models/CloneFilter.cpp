@@ -16,8 +16,8 @@ std::optional<QSet<QString>> texts(const QVariant& list)
     return set;
 }
 
-// JavaScript hands over numbers as int or double. A value that equals no int, which toInt() rounds or cuts,
-// stays out, and the list still constrains.
+// JavaScript passes numbers as int or double. A value that is no whole int, which toInt() would round,
+// matches nothing; the list constrains all the same.
 std::optional<QSet<int>> integers(const QVariant& list)
 {
     const QVariantList values = list.toList();

@@ -9,8 +9,6 @@ const QString kDeviceLabel = QStringLiteral("device_label");
 
 } // namespace
 
-DeviceConfig::DeviceConfig(QObject* parent) : QObject(parent) {}
-
 void DeviceConfig::fromJson(const QVariantMap& record)
 {
     static const json::Fields<DeviceConfig> fields{

@@ -15,9 +15,9 @@ class DeviceConfig : public QObject
     NOTIFYING_PROPERTY(QString, deviceLabel, setDeviceLabel);
 
 public:
-    explicit DeviceConfig(QObject* parent = nullptr);
+    using QObject::QObject;
 
-    /// Takes the keys that @p record holds.
+    /// Reads the keys that are present in @p record.
     void fromJson(const QVariantMap& record);
     /// The form in which the service stores it.
     QJsonObject toJson() const;

@@ -14,5 +14,8 @@ class FarmActionConfig : public QObject
     NOTIFYING_PROPERTY(int, randomPercent, setRandomPercent);
 
 public:
-    explicit FarmActionConfig(const QString& actionName, QObject* parent = nullptr);
+    explicit FarmActionConfig(const QString& actionName, QObject* parent = nullptr)
+        : QObject(parent), m_actionName(actionName)
+    {
+    }
 };

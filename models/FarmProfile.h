@@ -13,20 +13,20 @@ class FarmProfile : public QObject
     Q_OBJECT
     NOTIFYING_PROPERTY(QString, profileName, setProfileName);
     Q_PROPERTY(QList<QObject*> farmActions READ farmActions NOTIFY farmActionsChanged)
-    /// Made here and not yet saved.
+    /// Created here and not saved yet.
     NOTIFYING_PROPERTY(bool, temp, setTemp);
 
 public:
     /// The twelve actions, all disabled, in the order in which they are shown.
     explicit FarmProfile(const QString& profileName, QObject* parent = nullptr);
 
-    /// The FarmActionConfig objects, owned by the profile; the same for its whole life.
+    /// The FarmActionConfig objects, owned by the profile and never replaced.
     const QList<QObject*>& farmActions() const { return m_farmActions; }
 
     /// Enables each action that is a key of @p actions, with the value as its percentage. Unknown keys are
     /// ignored.
     void readActions(const QVariantMap& actions);
-    /// The form in which the service stores it: only enabled actions appear.
+    /// The form in which the service stores it, with only the enabled actions.
     QJsonObject toJson() const;
 
 signals:

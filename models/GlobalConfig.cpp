@@ -23,8 +23,6 @@ const Field kFields[] = {
 
 } // namespace
 
-GlobalConfig::GlobalConfig(QObject* parent) : QObject(parent) {}
-
 void GlobalConfig::fromJson(const QJsonObject& object)
 {
     for (const Field& field : kFields) {

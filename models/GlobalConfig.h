@@ -17,15 +17,15 @@ class GlobalConfig : public QObject
     NOTIFYING_PROPERTY(QString, vsDefinitionsVersion, setVsDefinitionsVersion);
 
 public:
-    explicit GlobalConfig(QObject* parent = nullptr);
+    using QObject::QObject;
 
     /// Not for QML: the farm's shared secret for its file store.
     const QString& dropboxToken() const { return m_dropboxToken; }
     void setDropboxToken(const QString& token) { m_dropboxToken = token; }
 
-    /// Takes the keys that @p object holds.
+    /// Reads the keys that are present in @p object.
     void fromJson(const QJsonObject& object);
-    /// Only what is not empty, so that the service keeps its value of the rest.
+    /// Only the values that are not empty, so that the service keeps the others.
     QJsonObject toJson() const;
 
 private:

@@ -4,19 +4,19 @@
 #include <QString>
 #include <QVariant>
 
-/// Reading what the service's JSON holds. The service is not trusted to send the kind of value that is
-/// wanted: any other kind gives the default, never an error.
+/// Reads values from the service's JSON. A value of an unexpected kind gives the default; it is never an
+/// error.
 namespace json {
 
 /// A string as it is, a number as its decimal text; empty for anything else.
 QString text(const QVariant& value);
-/// A number without its fraction; 0 for anything else and for a number that does not fit.
+/// A number without its fraction; 0 for anything else or a number that does not fit.
 qint64 integer64(const QVariant& value);
 int integer(const QVariant& value);
-/// True for the JSON value true only.
+/// True only for the JSON value true.
 bool flag(const QVariant& value);
 
-/// What to do with the value of each JSON key of a record.
+/// What is done with the value of each JSON key of a record.
 template <class Record>
 using Fields = QHash<QString, void (*)(Record* record, const QVariant& value)>;
 

@@ -2,9 +2,9 @@
 
 #include <QObject>
 
-/// One property of a QObject class that QML may read, write and bind to: the member, its getter, its setter
-/// and its signal <name>Changed, which the setter emits only when the value differs. It starts
-/// value-initialised. Stands in the class body; the access after it is private.
+/// A property that QML may read, write and bind to: the member (value-initialised), its getter, its setter
+/// and its signal <name>Changed, emitted only when the value differs. For the class body of a QObject; the
+/// access after it is private.
 #define NOTIFYING_PROPERTY(Type, name, setName)                                                              \
     Q_PROPERTY(Type name READ name WRITE setName NOTIFY name##Changed)                                       \
 public:                                                                                                      \

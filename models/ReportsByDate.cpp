@@ -1,7 +1,5 @@
 #include "models/ReportsByDate.h"
 
-ReportsByDate::ReportsByDate(QObject* parent) : QObject(parent) {}
-
 void ReportsByDate::assign(const QString& date, const DayReport& report)
 {
     const bool newDate = m_date != date;

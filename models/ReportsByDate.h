@@ -29,13 +29,13 @@ class ReportsByDate : public QObject
     NOTIFYING_PROPERTY(QVariantMap, details, setDetails);
 
 public:
-    explicit ReportsByDate(QObject* parent = nullptr);
+    using QObject::QObject;
 
-    /// Sets all three before it announces any, so that no listener sees one day's figures under another date.
+    /// Sets all three before announcing any, so that no listener sees one day's figures under another date.
     void assign(const QString& date, const DayReport& report);
 
     /// How the service writes a date: year, month and day without leading zeros, "2024-3-1".
     static QString dateText(const QDate& date);
-    /// The days of the service's answer. What has another shape is empty. Any thread.
+    /// The days in the service's answer; a day of another shape is empty. Any thread.
     static ReportDays readDays(const QJsonObject& answer);
 };

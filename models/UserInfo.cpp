@@ -6,46 +6,16 @@
 
 #include <QSet>
 
-#include <mutex>
-
-struct UserInfo::SharedToken {
-    std::mutex mutex;
-    QString value;
-
-    QString read()
-    {
-        const std::lock_guard lock(mutex);
-        return value;
-    }
-};
-
-UserInfo::UserInfo(const QString& token, QObject* parent)
-    : QObject(parent), m_token(std::make_shared<SharedToken>())
-{
-    m_token->value = token;
-}
-
-QString UserInfo::token() const
-{
-    return m_token->read();
-}
+UserInfo::UserInfo(const QString& token, QObject* parent) : QObject(parent), m_token(token) {}
 
 void UserInfo::setToken(const QString& token)
 {
-    {
-        const std::lock_guard lock(m_token->mutex);
-        if (m_token->value == token)
-            return;
-        m_token->value = token;
-    }
+    if (m_token == token)
+        return;
+    m_token = token;
     emit tokenChanged();
     if (token.isEmpty())
         setIsValidated(false);
-}
-
-TokenReader UserInfo::tokenReader() const
-{
-    return [token = m_token] { return token->read(); };
 }
 
 bool UserInfo::applyInfo(const QJsonObject& answer)
@@ -79,9 +49,11 @@ void UserInfo::replaceFarmProfiles(const QVariantMap& profiles)
     }
     if (list.isEmpty() && m_farmProfiles.isEmpty())
         return;
-    // The scene still shows the old profiles until it has heard of the new ones.
     m_farmProfiles.swap(list);
     emit farmProfilesChanged();
+    // The scene lets go of the old profiles some turns of the event loop later: they stay until the next ones
+    // come.
+    m_replacedProfiles.swap(list);
     for (QObject* old : qAsConst(list))
         old->deleteLater();
 }

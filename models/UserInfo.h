@@ -7,12 +7,6 @@
 #include <QString>
 #include <QVariantMap>
 
-#include <functional>
-#include <memory>
-
-/// Gives the token of the moment. May be called on any thread, and after the UserInfo is gone.
-using TokenReader = std::function<QString()>;
-
 /// The signed-in user, or the token that is about to become one. Lives on the UI thread.
 class UserInfo : public QObject
 {
@@ -30,20 +24,19 @@ class UserInfo : public QObject
 public:
     explicit UserInfo(const QString& token = QString(), QObject* parent = nullptr);
 
-    QString token() const;
-    /// An empty token ends the validated state too, so that the next one has to pass the service.
+    const QString& token() const { return m_token; }
+    /// An empty token also clears isValidated: the next one has to be accepted by the service first.
     void setToken(const QString& token);
-    TokenReader tokenReader() const;
 
     /// The FarmProfile objects, owned by the user.
     const QList<QObject*>& farmProfiles() const { return m_farmProfiles; }
 
-    /// Applies the service's answer about the token. With a token in it the user is validated and takes the
-    /// fields that the answer holds; farm profiles are replaced as a whole. Without one the answer is a
-    /// rejection: the token is cleared (see setToken()), nothing else changes, and the result is false.
+    /// Applies the service's answer about the token. If it holds a token, the user becomes validated and
+    /// takes the fields that are present; farm profiles are replaced as a whole. Otherwise it is a rejection:
+    /// the token is cleared (see setToken()), nothing else changes, and the result is false.
     bool applyInfo(const QJsonObject& answer);
 
-    /// Appends a farm profile that is not saved yet, under the first free name "Profile-0", "Profile-1", ...
+    /// Appends an unsaved farm profile under the first free name of "Profile-0", "Profile-1", ...
     Q_INVOKABLE void createTempProfile();
 
 signals:
@@ -51,11 +44,9 @@ signals:
     void farmProfilesChanged();
 
 private:
-    struct SharedToken;
-
     void replaceFarmProfiles(const QVariantMap& profiles);
 
-    // Written by the UI thread, read by any.
-    std::shared_ptr<SharedToken> m_token;
+    QString m_token;
     QList<QObject*> m_farmProfiles;
+    QList<QObject*> m_replacedProfiles;
 };

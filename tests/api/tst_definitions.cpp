@@ -146,8 +146,8 @@ void TestDefinitions::pushNothing()
     QVERIFY(!error.isEmpty());
     QVERIFY(m_fixture->requests().isEmpty());
     QCOMPARE(log.lines().size(), 1);
-    QVERIFY(log.lines()[0].startsWith("[D][ pushDefinition ][ "));
-    QVERIFY(log.lines()[0].endsWith("] AddFileForUpload error:  \"" + error + '"'));
+    QVERIFY(log.lines().at(0).startsWith("[D][ pushDefinition ][ "));
+    QVERIFY(log.lines().at(0).endsWith("] AddFileForUpload error:  \"" + error + '"'));
 }
 
 void TestDefinitions::pushReplies_data()
@@ -236,10 +236,8 @@ void TestDefinitions::fetch()
     for (const QByteArray& bad : {bytes(members, "another"), tampered, cut, bytes({}, kPassword),
                                   QByteArray("no zip at all"), QByteArray()}) {
         QVERIFY(!fetch(bad, &logged));
-        QVERIFY2(QRegularExpression("^\\[D\\]\\[ getDefinition \\]\\[ \\d+ \\] \".+\"\\s*$")
-                     .match(logged)
-                     .hasMatch(),
-                 qPrintable(logged));
+        static const QRegularExpression oneLine("^\\[D\\]\\[ getDefinition \\]\\[ \\d+ \\] \".+\"\\s*$");
+        QVERIFY2(oneLine.match(logged).hasMatch(), qPrintable(logged));
     }
 }
 

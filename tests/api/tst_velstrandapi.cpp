@@ -2,15 +2,18 @@
 
 #include "devservice/DevService.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/RawServer.h"
 #include "tests/support/ServiceFixture.h"
 #include "toolkit/HttpClient.h"
 
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QTemporaryFile>
 #include <QtTest>
 
 #include <atomic>
 #include <functional>
+#include <future>
 #include <thread>
 #include <vector>
 
@@ -21,10 +24,16 @@ namespace {
 const QString kToken = QStringLiteral("t\"ö");
 using Call = std::function<bool(const VelstrandAPI&)>;
 
+/// Gives up sooner.
+struct HastyAPI : VelstrandAPI {
+    using APIBase::m_timeoutSeconds;
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(Call)
 Q_DECLARE_METATYPE(Fault)
+Q_DECLARE_METATYPE(RawServer::Mode)
 
 /// The service client against the development service, over TLS.
 class TestVelstrandAPI : public QObject
@@ -43,7 +52,10 @@ private slots:
     void readingOperations();
     void failures_data();
     void failures();
-    void aChangeIsSentOnce();
+    void origins_data();
+    void origins();
+    void timeouts_data();
+    void timeouts();
     void unreachable();
     void untrusted();
     void concurrentRequests();
@@ -77,22 +89,18 @@ void TestVelstrandAPI::requestsAreExact_data()
         });
     row("user/get-info", "", [](auto& api) { return api.getUserInfo(kToken, &object); });
     row("clone/list", R"("android_id":"",)", [](auto& api) { return api.getCloneList(kToken, "", &array); });
-    row("clone/add", R"("clones":[{"uid":"1"}],"network":"tiktok",)", [](auto& api) {
-        return api.addClones(kToken, "tiktok", {QJsonObject{{"uid", "1"}}});
-    });
-    row("config/update-global", R"("global_config":{"k":"v"},)", [](auto& api) {
-        return api.updateGlobalConfig(kToken, {{"k", "v"}});
-    });
-    row("reports/get", R"("date_list":["2024-3-1","2024-2-29"],)", [](auto& api) {
-        return api.getReports(kToken, {"2024-3-1", "2024-2-29"}, &object);
-    });
+    row("clone/add", R"("clones":[{"uid":"1"}],"network":"tiktok",)",
+        [](auto& api) { return api.addClones(kToken, "tiktok", {QJsonObject{{"uid", "1"}}}); });
+    row("config/update-global", R"("global_config":{"k":"v"},)",
+        [](auto& api) { return api.updateGlobalConfig(kToken, {{"k", "v"}}); });
+    row("reports/get", R"("date_list":["2024-3-1","2024-2-29"],)",
+        [](auto& api) { return api.getReports(kToken, {"2024-3-1", "2024-2-29"}, &object); });
     row("user/upsert-farm-profile", R"("farm_profile":{"farm_action_config":{},"name":"p"},)", [](auto& api) {
         return api.upsertFarmProfile(kToken, {{"name", "p"}, {"farm_action_config", QJsonObject()}});
     });
     row("clone/reset-live", R"("clones":[],)", [](auto& api) { return api.resetLiveClones(kToken, {}); });
-    row("clone/delete", R"("clones":[{"id":"2"},{"id":"1"},{"id":"2"}],)", [](auto& api) {
-        return api.deleteClones(kToken, {"2", "1", "2"});
-    });
+    row("clone/delete", R"("clones":[{"id":"2"},{"id":"1"},{"id":"2"}],)",
+        [](auto& api) { return api.deleteClones(kToken, {"2", "1", "2"}); });
     row("clone/update-farm-profile", R"("clones":[{"id":"7"}],"farm_profile":"p",)",
         [](auto& api) { return api.updateCloneFarmProfile(kToken, {"7"}, "p"); });
 }
@@ -113,10 +121,17 @@ void TestVelstrandAPI::requestsAreExact()
     QCOMPARE(requests[0].body, body);
     QCOMPARE(requests[0].headers.value("Content-Type"), QStringLiteral("application/json"));
 
-    const bool reads = QByteArray(QTest::currentDataTag()) == "device/list" || path.endsWith("/clone/list");
-    m_fixture.service().setReply(path, 200,
-                                 reads ? R"({"success":true,"data":[1]})" : R"({"success":true,"data":{}})");
-    QVERIFY(call(api));
+    const bool array = path.endsWith("/list");
+    m_fixture->setReply(path, 200,
+                        array ? R"({"success":true,"data":[1]})" : R"({"success":true,"data":{}})");
+    QVERIFY(call(api)); // which leaves a connection
+
+    // A connection dies once the request is out: a read is asked again, a change is not.
+    const bool reads = array || path.contains("/get");
+    m_fixture->setFault(path, Fault::DropAfterwards);
+    m_fixture->clearRequests();
+    QVERIFY(!call(api));
+    QCOMPARE(m_fixture->requests(path).size() > 1, reads);
 }
 
 void TestVelstrandAPI::envelope_data()
@@ -237,20 +252,87 @@ void TestVelstrandAPI::failures()
     QVERIFY(api.getDeviceList(m_fixture.service().userToken(), &array));
 }
 
-void TestVelstrandAPI::aChangeIsSentOnce()
+void TestVelstrandAPI::origins_data()
 {
+    QTest::addColumn<QByteArray>("origin");
+    QTest::addColumn<QByteArray>("target");
+    const auto row = [](const char* origin, const char* target) {
+        QTest::newRow(origin) << QByteArray(origin) << QByteArray(target);
+    };
+    row("https://farm.example", "farm.example:443");
+    row("https://farm.example//", "farm.example:443");
+    row("https://farm.example:8443/", "farm.example:8443");
+    row("https://[2001:db8::1]", "[2001:db8::1]:443");
+    row("https://[2001:db8::1]:8443", "[2001:db8::1]:8443");
+}
+
+void TestVelstrandAPI::origins()
+{
+    QFETCH(QByteArray, origin);
+    QFETCH(QByteArray, target);
+    // A proxy is told whom the client wants to reach.
+    RawServer proxy(RawServer::Always("HTTP/1.1 503 No\r\nContent-Length: 0\r\n\r\n"));
+    const std::pair<const char*, QByteArray> environment[] = {
+        {"VELSTRAND_SERVICE_URL", origin},
+        {"https_proxy", QByteArray::fromStdString(proxy.Origin())},
+        {"no_proxy", ""}};
+    QVector<QByteArray> before;
+    for (const auto& [name, value] : environment) {
+        before.append(qgetenv(name));
+        qputenv(name, value);
+    }
     const VelstrandAPI api;
-    auto& service = m_fixture.service();
-    const QString token = service.userToken(), path = QStringLiteral("/api/v1/device/confirm");
-    const QString id = service.farm().devices[0].toObject().value("android_id").toString();
-    QJsonArray devices;
-    QVERIFY(api.getDeviceList(token, &devices)); // leaves a connection that could be reused
-    service.clearRequests();
-    service.setFault(path, Fault::DropAfterwards);
-    QVERIFY(!api.confirmDevice(token, id));
-    QCOMPARE(service.requests(path).size(), 1);
-    QCOMPARE(service.farm().devices[0].toObject().value("status").toInt(), 1);
-    service.setFault(path, Fault::None);
+    api.sendPostRequest("/x", {}, toolkit::Exchange::Write);
+    api.pushDefinition(kToken, 1, QCoreApplication::applicationFilePath());
+    for (int i = 0; i < before.size(); ++i)
+        before[i].isNull() ? qunsetenv(environment[i].first) : qputenv(environment[i].first, before[i]);
+
+    QVERIFY(!api.baseUrl().endsWith('/') && origin.startsWith(api.baseUrl().toUtf8()));
+    QCOMPARE(proxy.Requests().size(), size_t(2));
+    for (const std::string& request : proxy.Requests())
+        QVERIFY2(request.rfind(("CONNECT " + target + ' ').toStdString(), 0) == 0, request.c_str());
+}
+
+void TestVelstrandAPI::timeouts_data()
+{
+    QTest::addColumn<RawServer::Mode>("mode");
+    QTest::newRow("no connection") << RawServer::Mode::NoHandshake;
+    QTest::newRow("no answer") << RawServer::Mode::Tls;
+}
+
+void TestVelstrandAPI::timeouts()
+{
+    QFETCH(RawServer::Mode, mode);
+    auto server = std::make_unique<RawServer>(
+        [](RawServer::Connection& connection) {
+            connection.ReceiveSome(1);
+            connection.Hang();
+        },
+        mode);
+    HastyAPI api;
+    QCOMPARE(api.m_timeoutSeconds, 30);
+    api.m_timeoutSeconds = 1;
+    const QString origin = QString::fromStdString(server->Origin());
+    api.setBaseUrl(origin);
+    api.setTrustAnchors(QString::fromStdString(server->CaFile().string()));
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    const auto push =
+        std::async(std::launch::async, [&] { return api.pushDefinition(kToken, 1, file.fileName()); });
+    QTRY_COMPARE(server->Connections(), 1);
+
+    QElapsedTimer elapsed;
+    elapsed.start();
+    const auto message = api.sendPostRequest("/x", {}, toolkit::Exchange::Read).message;
+    QVERIFY2(message.startsWith("Timed out: "), qPrintable(message));
+    QVERIFY(elapsed.restart() < 25000);
+    QVERIFY(!api.getDefinition(kToken, 1));
+    QVERIFY(elapsed.restart() < 25000);
+    QVERIFY(!api.downloadFile(origin, file.fileName()));
+    QVERIFY(elapsed.restart() < 25000);
+    // The push goes by the toolkit's own.
+    QVERIFY(push.wait_for(std::chrono::seconds(0)) == std::future_status::timeout);
+    server.reset();
 }
 
 void TestVelstrandAPI::unreachable()

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QLibraryInfo>
 #include <QProcess>
 #include <QSettings>
 #include <QStorageInfo>
@@ -16,7 +17,7 @@ Q_DECLARE_METATYPE(Members)
 
 namespace {
 
-/// A program that tells which build was started, with how many arguments and where.
+/// A program that reports which build was started, with how many arguments and where.
 QByteArray program(const char* build)
 {
     return QByteArray("#!/bin/sh\nprintf '%s' \"") + build +
@@ -46,6 +47,7 @@ private slots:
     void temporaryFolderOnAnotherVolume();
     void runningManager();
     void nextStartRemovesTheParkedBuild();
+    void brokenScene();
 
 private:
     QString path(const char* name) const { return m_folder->filePath(QLatin1String(name)); }
@@ -53,9 +55,9 @@ private:
     void put(const char* name, const QByteArray& bytes) const;
     /// Everything in the folder and below, sorted; folders end in "/".
     QStringList listing() const;
-    /// Runs one update to its end; what it logged and, in @p exitCode, how it ended.
+    /// Runs one update to its end. Returns its log; @p exitCode is -1 after a crash.
     QString update(const Members& package, int* exitCode, const QString& killAt = QString());
-    /// What the program that is in place says when it is started by the update.
+    /// What the program in place reports once the update has started it.
     QByteArray started() const;
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -122,8 +124,7 @@ QString TestSelfUpdate::update(const Members& package, int* exitCode, const QStr
     runner.start(UPDATE_RUNNER, {"19", fixture.service().origin() + "/packages/velstrand_" +
                                            (found ? "19" : "20") + ".zip"});
     if (killAt == kHalfway) {
-        for (int i = 0; i < 500 && !QFile::exists(path("tmp/velstrand_19.zip.part")); ++i)
-            QTest::qWait(10);
+        (void)QTest::qWaitFor([&] { return QFile::exists(path("tmp/velstrand_19.zip.part")); });
         runner.kill();
     }
     runner.waitForFinished();
@@ -133,8 +134,7 @@ QString TestSelfUpdate::update(const Members& package, int* exitCode, const QStr
 
 QByteArray TestSelfUpdate::started() const
 {
-    for (int i = 0; i < 50 && !QFile::exists(path("started")); ++i)
-        QTest::qWait(20);
+    (void)QTest::qWaitFor([&] { return QFile::exists(path("started")); });
     const QByteArray text = content("started");
     QFile::remove(path("started"));
     return text;
@@ -245,7 +245,7 @@ void TestSelfUpdate::temporaryFolderOnAnotherVolume()
     if (!elsewhere.isValid() || QStorageInfo(elsewhere.path()) == QStorageInfo(m_folder->path()))
         QSKIP("no second volume here");
     QVERIFY(QFile::link(elsewhere.path(), path("tmp")));
-    // What an attempt that was broken off while it copied may have left.
+    // What an attempt interrupted while copying may have left.
     put("victim", "untouched");
     QVERIFY(QFile::link(path("victim"), path("Velstrand.exe.part")));
     int exitCode = -1;
@@ -276,6 +276,11 @@ void TestSelfUpdate::runningManager()
     QCOMPARE(manager.exitCode(), 0);
     QVERIFY(started().startsWith("new 0 "));
     QCOMPARE(listing(), QStringList({"Velstrand.exe", "temp.dat", "tmp/"}));
+    // Meanwhile the stored token has signed in.
+    const auto asked = fixture.service().requests("/api/v1/user/get-info");
+    QCOMPARE(asked.size(), 1);
+    QVERIFY(asked[0].body.contains(fixture.service().userToken().toUtf8()));
+    QCOMPARE(fixture.service().requests("/api/v1/device/list").size(), 1);
 }
 
 void TestSelfUpdate::nextStartRemovesTheParkedBuild()
@@ -287,6 +292,20 @@ void TestSelfUpdate::nextStartRemovesTheParkedBuild()
     QTRY_VERIFY(!QFile::exists(path("temp.dat")));
     manager.terminate();
     QVERIFY(manager.waitForFinished());
+}
+
+void TestSelfUpdate::brokenScene()
+{
+    QVERIFY(QFile::remove(path("Velstrand.exe")) && QFile::copy(MANAGER, path("Velstrand.exe")));
+    // The modules that the scene imports are not to be found.
+    put("qt.conf", "[Paths]\nQml2Imports=none\nPlugins=" +
+                       QLibraryInfo::location(QLibraryInfo::PluginsPath).toUtf8() + '\n');
+    QProcess manager;
+    manager.setWorkingDirectory(m_folder->path());
+    manager.start(path("Velstrand.exe"), QStringList());
+    QVERIFY(manager.waitForFinished());
+    QCOMPARE(manager.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(manager.exitCode(), 255);
 }
 
 QTEST_GUILESS_MAIN(TestSelfUpdate)

@@ -1,12 +1,11 @@
-// Installs one update like a running manager does: updaterunner VERSION URL. Logs to stderr. With KILL_AT in
-// the environment it dies, unwarned, as soon as a line that contains that text is logged. Exit code 3 means
+// Installs one update as a running manager does: updaterunner VERSION URL. Logs to stderr. If KILL_AT is set
+// in the environment, the process kills itself as soon as a logged line contains that text. Exit code 3 means
 // that the update ended without a restart.
 
 #include "api/SelfUpdate.h"
 #include "api/VelstrandAPI.h"
 
 #include <QCoreApplication>
-#include <QThread>
 #include <QtConcurrent>
 
 #include <csignal>
@@ -23,10 +22,8 @@ int main(int argc, char* argv[])
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     QtConcurrent::run([&] {
-        installNewVersion(VelstrandAPI(), arguments.value(1).toUInt(), arguments.value(2));
-        QThread::msleep(300); // a restart ends the event loop before
-        QMetaObject::invokeMethod(
-            &application, [] { QCoreApplication::exit(3); }, Qt::QueuedConnection);
+        if (!installNewVersion(VelstrandAPI(), arguments.value(1).toUInt(), arguments.value(2)))
+            QMetaObject::invokeMethod(&application, [] { QCoreApplication::exit(3); }, Qt::QueuedConnection);
     });
     return QCoreApplication::exec();
 }

@@ -121,7 +121,7 @@ void TestAppModel::filter()
     QCOMPARE(total.count(), 1); // as many as before
 
     // The flags and the list agree when the list is announced.
-    connect(&model, &AppModel::filteredCloneListChanged, [&] {
+    connect(&model, &AppModel::filteredCloneListChanged, &model, [&] {
         for (CloneInfo* c : model.clones())
             QCOMPARE(model.filteredCloneList().contains(c), c->filtered());
     });
@@ -189,12 +189,13 @@ void TestAppModel::reportDates()
 void TestAppModel::reportsStartToday()
 {
     const QByteArray zoneBefore = qgetenv("TZ");
-    // At any time the date in one of them is not that of UTC.
+    // At any moment one of the two has another date than UTC.
     for (const int hours : {14, -12}) {
         qputenv("TZ", hours > 0 ? "<+14>-14" : "<-12>+12");
         tzset();
         const auto there = [hours] {
-            return ReportsByDate::dateText(QDateTime::currentDateTimeUtc().addSecs(hours * 3600).date());
+            return ReportsByDate::dateText(
+                QDateTime::currentDateTimeUtc().addSecs(qint64{hours} * 3600).date());
         };
         const QString before = there();
         const QString first = AppModel().reportList()[0]->property("date").toString();

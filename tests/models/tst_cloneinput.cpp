@@ -36,7 +36,8 @@ void TestCloneInput::import()
 {
     QFETCH(QString, text);
     QStringList clones;
-    for (const QJsonValue& value : cloneimport::parse(text, "prof")) {
+    const QJsonArray parsed = cloneimport::parse(text, "prof");
+    for (const QJsonValue& value : parsed) {
         const QJsonObject clone = value.toObject();
         QCOMPARE(clone["farm_profile"], QJsonValue("prof"));
         clones << clone["uid"].toString() + '/' + clone["password"].toString();

@@ -12,9 +12,6 @@
 #include <QPointer>
 #include <QtTest>
 
-#include <atomic>
-#include <thread>
-
 namespace {
 
 QJsonObject parse(const QByteArray& json)
@@ -58,7 +55,6 @@ private slots:
     void profile();
     void answers_data();
     void answers();
-    void tokenOnManyThreads();
     void profilesAreReplacedWhole();
     void tempProfiles();
 };
@@ -212,28 +208,6 @@ void TestRecords::answers()
     }
 }
 
-void TestRecords::tokenOnManyThreads()
-{
-    auto user = std::make_unique<UserInfo>("a");
-    const TokenReader read = user->tokenReader();
-    std::atomic_bool stop{false};
-    std::atomic_int torn{0};
-    std::thread reader([&] {
-        while (!stop) {
-            const QString token = read();
-            torn += token != QString(token.size(), token.isEmpty() ? QChar() : token[0]);
-        }
-    });
-    for (int i = 0; i < 50000; ++i)
-        user->setToken(QString(i % 40, QChar('a' + i % 20)));
-    user->setToken("zzz");
-    user.reset();
-    stop = true;
-    reader.join();
-    QCOMPARE(torn, 0);
-    QCOMPARE(read(), "zzz");
-}
-
 void TestRecords::profilesAreReplacedWhole()
 {
     UserInfo user("t");
@@ -249,6 +223,9 @@ void TestRecords::profilesAreReplacedWhole()
     user.applyInfo(parse(R"({"token":"t","farm_profiles":{"a":{},"z":{}}})"));
     QCOMPARE(announced, 1);
     QCOMPARE(names(user.farmProfiles()), "a z");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(old);
+    user.applyInfo(parse(R"({"token":"t","farm_profiles":{}})"));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!old);
 }
