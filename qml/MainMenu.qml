@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import QtQuick.Controls 2.15
 import "."
 import "component"
 
@@ -34,20 +33,17 @@ FocusScope {
     }
 
     // An ordinary user who signs in on the administrator's page must not stay there.
-    onMenuModelChanged: {
-        if (!menuModel[currentIndex].visible)
-            currentIndex = QmlDefines._HOME
-    }
+    onMenuModelChanged: if (!menuModel[currentIndex].visible) currentIndex = QmlDefines._HOME
 
     Rectangle {
         anchors.centerIn: parent
         width: parent.height
         height: parent.width
-        radius: 10
+        radius: QmlDefines.panelRadius
         rotation: 90
         gradient: Gradient {
-            GradientStop { position: 0.0; color: "#0f008000" }
-            GradientStop { position: 1.0; color: "#f0008000" }
+            GradientStop { position: 0.0; color: QmlDefines.menuFaintColor }
+            GradientStop { position: 1.0; color: QmlDefines.menuFullColor }
         }
     }
 
@@ -66,75 +62,55 @@ FocusScope {
         // The number of rows, not the rows: a list whose model is replaced starts again at its first row.
         model: root.menuModel.length
 
-        delegate: AbstractButton {
+        delegate: BaseButton {
             id: row
 
+            required property int index
             readonly property var entry: root.menuModel[index]
+            readonly property bool current: ListView.isCurrentItem
 
             objectName: "menuRow" + index
             width: ListView.view.width
-            height: visible ? 50 : 0
+            height: visible ? QmlDefines.rowHeight : 0
+            horizontalPadding: 5
             visible: entry.visible
             text: entry.label
 
             Accessible.role: Accessible.MenuItem
-            Accessible.name: text
-            Accessible.selected: ListView.isCurrentItem
+            Accessible.selected: current
 
-            Keys.onReturnPressed: clicked()
-            Keys.onEnterPressed: clicked()
             Keys.onUpPressed: root.stepFocus(index, -1)
             Keys.onDownPressed: root.stepFocus(index, 1)
 
-            onVisualFocusChanged: {
-                if (visualFocus)
-                    list.positionViewAtIndex(index, ListView.Contain)
-            }
+            onVisualFocusChanged: if (visualFocus) list.positionViewAtIndex(index, ListView.Contain)
             onClicked: list.currentIndex = index
 
-            contentItem: Text {
-                leftPadding: 5
-                verticalAlignment: Text.AlignVCenter
-                text: row.text
-                textFormat: Text.PlainText
-                elide: Text.ElideRight
-                color: "white"
-            }
+            contentItem: PlainText { text: row.text; color: QmlDefines.textOnDarkColor }
 
             background: Rectangle {
                 gradient: Gradient {
                     orientation: Gradient.Horizontal
 
-                    GradientStop { position: 0.0; color: row.ListView.isCurrentItem ? "grey" : "transparent" }
-                    GradientStop { position: 1.0; color: "#0f008000" }
+                    GradientStop { position: 0.0; color: row.current ? QmlDefines.dimColor : "transparent" }
+                    GradientStop { position: 1.0; color: QmlDefines.menuFaintColor }
                 }
 
-                Rectangle {
-                    anchors.bottom: parent.bottom
-                    width: parent.width
-                    height: 1
-                    color: "#cce6ff"
-                }
+                Rule { width: parent.width; color: QmlDefines.menuRuleColor }
 
-                FocusFrame {
-                    visible: row.visualFocus
-                    border.color: "white"
-                }
+                FocusFrame { visible: row.visualFocus; border.color: QmlDefines.textOnDarkColor }
             }
         }
     }
 
-    Text {
+    PlainText {
         objectName: "menuFooter"
         anchors.bottom: parent.bottom
         width: parent.width
         height: 80
         horizontalAlignment: Text.AlignHCenter
-        verticalAlignment: Text.AlignVCenter
         text: qsTr("Velstrand\nYour farm in view")
-        textFormat: Text.PlainText
-        color: "white"
+        color: QmlDefines.textOnDarkColor
         style: Text.Raised
-        styleColor: "#80004000"
+        styleColor: QmlDefines.textShadowColor
     }
 }

@@ -1,4 +1,6 @@
 import QtQuick 2.15
+import "."
+import "component"
 
 Item {
     id: root
@@ -16,23 +18,18 @@ Item {
     Accessible.ignored: !shown
     Accessible.name: message.text
 
-    Behavior on y {
-        NumberAnimation {
-            duration: 500
-            easing.type: Easing.InOutCubic
-        }
-    }
+    Behavior on y { Slide { easing.type: Easing.InOutCubic } }
 
     Rectangle {
         objectName: "notificationBackground"
         anchors.fill: parent
         radius: 2
         opacity: 0.9
-        color: root.type === root._MSG_TYPE_ERROR ? "#ff3300"
-             : root.type === root._MSG_TYPE_WARNING ? "#e6b800" : "#33cc33"
+        color: root.type === root._MSG_TYPE_ERROR ? QmlDefines.errorColor
+             : root.type === root._MSG_TYPE_WARNING ? QmlDefines.warningColor : QmlDefines.infoColor
     }
 
-    Text {
+    PlainText {
         id: message
 
         objectName: "notificationText"
@@ -40,14 +37,11 @@ Item {
         width: parent.width * 2 / 3
         height: parent.height
         horizontalAlignment: Text.AlignHCenter
-        verticalAlignment: Text.AlignVCenter
         text: "Testing"
-        textFormat: Text.PlainText
         wrapMode: Text.Wrap
         maximumLineCount: 2
-        elide: Text.ElideRight
-        color: "white"
-        font.pixelSize: 15
+        color: QmlDefines.textOnDarkColor
+        font.pixelSize: QmlDefines.noteSize
         font.weight: Font.DemiBold
     }
 

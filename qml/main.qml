@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Window 2.15
+import "."
 import "popup"
 
 Window {
@@ -8,25 +9,31 @@ Window {
     visible: true
     title: qsTr("Velstrand Manager v" + AppManager.appVersion)
 
-    // The pages find the menu among the siblings of the page area, by its object name.
     MainMenu {
         id: menu
 
         objectName: "mainMenu"
         focus: !tokenPopup.visible && !validatePopup.visible
-        anchors.top: header.bottom
-        anchors.left: parent.left
+        anchors { top: header.bottom; left: parent.left }
         width: header.iconWidth
         height: parent.height - header.height
     }
 
     MainContent {
+        id: content
+
         objectName: "mainContent"
-        anchors.top: menu.top
-        anchors.left: menu.right
-        anchors.right: parent.right
+        anchors { top: menu.top; left: menu.right; right: parent.right }
         height: menu.height
         source: menu.currentSource
+    }
+
+    // A page may ask for another one, by the id of its menu row.
+    Connections {
+        target: content.item
+        ignoreUnknownSignals: true
+
+        function onPageRequested(id) { menu.currentIndex = id }
     }
 
     MainHeader {
@@ -42,7 +49,6 @@ Window {
         id: tokenPopup
 
         objectName: "inputUserTokenPopup"
-        anchors.fill: parent
         visible: AppModel.userInfo.token === ""
         focus: visible
     }
@@ -51,7 +57,6 @@ Window {
         id: validatePopup
 
         objectName: "validateUserPopup"
-        anchors.fill: parent
         visible: AppModel.userInfo.token !== "" && !AppModel.userInfo.isValidated
         focus: visible
 
@@ -59,10 +64,8 @@ Window {
     }
 
     NotificationsBar {
-        id: messageBar
-
         objectName: "notificationsBar"
         width: parent.width
-        height: 50
+        height: QmlDefines.rowHeight
     }
 }

@@ -6,15 +6,11 @@ import "../Format.js" as Format
 ItemDelegate {
     id: root
 
+    required property var modelData
+    required property int index
     property color textColor: palette.text
 
     width: ListView.view ? ListView.view.width : 0
 
-    contentItem: Text {
-        verticalAlignment: Text.AlignVCenter
-        text: Format.line(root.text)
-        textFormat: Text.PlainText
-        elide: Text.ElideRight
-        color: root.textColor
-    }
+    contentItem: PlainText { text: Format.line(root.text); color: root.textColor }
 }

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import ".."
 
 Rectangle {
     id: root
@@ -14,21 +15,16 @@ Rectangle {
     width: row.width
     visible: height > 0
     clip: true
-    radius: 10
-    color: "#e6f0ff"
+    radius: QmlDefines.panelRadius
+    color: QmlDefines.toolBoxColor
 
-    Behavior on height {
-        NumberAnimation {
-            duration: 500
-            easing.type: Easing.OutCubic
-        }
-    }
+    Behavior on height { Slide {} }
 
     Row {
         id: row
 
         anchors.verticalCenter: parent.verticalCenter
-        spacing: 30
+        spacing: QmlDefines.toolSpacing
 
         ImageButton {
             objectName: "confirmButton"

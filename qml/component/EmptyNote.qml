@@ -2,8 +2,8 @@ import QtQuick 2.15
 import ".."
 
 /// What a list says while it has nothing to show. Stands in the view and does not scroll with it.
-Text {
-    property Item view
+PlainText {
+    property ListView view
 
     parent: view
     anchors.centerIn: parent
@@ -11,7 +11,6 @@ Text {
     visible: view.count === 0
     horizontalAlignment: Text.AlignHCenter
     color: QmlDefines.textColor
-    font.pixelSize: 15
+    font.pixelSize: QmlDefines.noteSize
     wrapMode: Text.Wrap
-    textFormat: Text.PlainText
 }

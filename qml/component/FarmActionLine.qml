@@ -1,11 +1,13 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import Velstrand 1.0
+import ".."
 
 /// One action of a farm profile. What is edited here reaches the action with write().
-FocusScope {
+ListRow {
     id: line
 
-    readonly property var view: ListView.view
+    required property FarmActionConfig modelData
 
     /// One of the fields has the keyboard.
     signal reached()
@@ -17,8 +19,7 @@ FocusScope {
     }
 
     objectName: "action" + index
-    width: view ? view.width : 0
-    height: 50
+    height: QmlDefines.rowHeight
 
     onActiveFocusChanged: {
         if (activeFocus) {
@@ -29,8 +30,8 @@ FocusScope {
 
     Rectangle {
         anchors.fill: parent
-        radius: 4
-        color: line.ListView.isCurrentItem ? "#0f4d94ff" : "transparent"
+        radius: QmlDefines.controlRadius
+        color: line.current ? QmlDefines.currentLineColor : "transparent"
     }
 
     MouseArea {
@@ -50,19 +51,16 @@ FocusScope {
         verticalAlignment: TextInput.AlignVCenter
         activeFocusOnTab: true
         clip: true
-        maximumLength: 1000
+        maximumLength: QmlDefines.nameLength
         selectByMouse: true
-        text: modelData.actionName
+        text: line.modelData.actionName
 
         Accessible.role: Accessible.EditableText
         Accessible.name: qsTr("Action name")
     }
 
     FocusFrame {
-        anchors.fill: nameField
-        anchors.margins: -6
-        anchors.topMargin: 10
-        anchors.bottomMargin: 10
+        anchors { fill: nameField; margins: -6; topMargin: 10; bottomMargin: 10 }
         border.width: 1
         visible: nameField.activeFocus
     }
@@ -73,49 +71,43 @@ FocusScope {
         objectName: "enable"
         x: 310
         anchors.verticalCenter: parent.verticalCenter
-        checked: modelData.enable
+        checked: line.modelData.enable
 
-        Accessible.name: modelData.actionName
+        Accessible.name: line.modelData.actionName
     }
 
-    Text {
+    PlainText {
         id: percentLabel
 
-        anchors.left: enableBox.right
-        anchors.leftMargin: 200
-        anchors.verticalCenter: parent.verticalCenter
+        anchors { left: enableBox.right; leftMargin: 200; verticalCenter: parent.verticalCenter }
         text: qsTr("random percent: ")
-        textFormat: Text.PlainText
     }
 
     TextField {
         id: percentField
 
         objectName: "percent"
-        anchors.left: percentLabel.right
-        anchors.verticalCenter: parent.verticalCenter
+        anchors { left: percentLabel.right; verticalCenter: parent.verticalCenter }
         width: 40
-        height: 30
+        height: QmlDefines.lineHeight
         padding: 4
         horizontalAlignment: TextInput.AlignHCenter
         verticalAlignment: TextInput.AlignVCenter
         selectByMouse: true
-        text: modelData.randomPercent
+        text: line.modelData.randomPercent
 
         validator: RegularExpressionValidator {
             regularExpression: /100|\d{0,2}/
         }
 
-        Accessible.name: qsTr("random percent: ")
+        Accessible.name: percentLabel.text
 
-        onTextChanged: {
-            if (text !== "0" && parseInt(text, 10) === 0)
-                text = "0"
-        }
+        onTextChanged: if (text !== "0" && parseInt(text, 10) === 0) text = "0"
 
-        background: Rectangle {
-            radius: 4
-            border.color: percentField.activeFocus ? "#17a81a" : "#bdbdbd"
+        background: FieldFrame {
+            radius: QmlDefines.controlRadius
+            focusedColor: QmlDefines.pressedColor
+            restColor: QmlDefines.cellFieldColor
         }
     }
 }

@@ -1,34 +1,29 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Window 2.15
+import Velstrand 1.0
+import ".."
 
 /// A profile of the farm profile editor: its name, and its actions once it has been opened.
-FocusScope {
+ListRow {
     id: row
 
-    readonly property bool current: ListView.isCurrentItem
-    readonly property var view: ListView.view
+    required property FarmProfile profile
     readonly property string name: profile ? profile.profileName : ""
     property alias head: nameField
     property bool expanded: false
+
+    /// All of @p item is to be seen.
+    signal revealRequested(Item item)
 
     function expand() {
         view.currentIndex = index
         expanded = true
     }
 
-    function save() {
-        if (!nameField.readOnly)
-            profile.profileName = nameField.text
-        editor.item.write()
-        AppManager.saveProfileSettings(profile)
-    }
-
     objectName: "profileRow" + index
-    width: view ? view.width : 0
-    height: expanded ? Math.max(50, editor.height) : 50
+    height: expanded ? Math.max(QmlDefines.rowHeight, editor.height) : QmlDefines.rowHeight
 
-    Accessible.role: Accessible.ListItem
     Accessible.name: nameField.text
     Accessible.onPressAction: expand()
 
@@ -36,28 +31,19 @@ FocusScope {
     Keys.onEnterPressed: expand()
     Keys.onSpacePressed: expand()
 
-    onCurrentChanged: {
-        if (!current)
-            expanded = false
-    }
-    onExpandedChanged: {
-        if (expanded)
-            editor.active = true
-    }
+    onCurrentChanged: if (!current) expanded = false
+    onExpandedChanged: if (expanded) editor.active = true
 
     MouseArea {
         objectName: "headArea"
         width: parent.width
-        height: 50
+        height: QmlDefines.rowHeight
         onClicked: {
             row.forceActiveFocus(Qt.MouseFocusReason)
             row.expand()
         }
 
-        FocusFrame {
-            objectName: "rowFrame"
-            visible: row.Window.activeFocusItem === row
-        }
+        FocusFrame { objectName: "rowFrame"; visible: row.Window.activeFocusItem === row }
     }
 
     TextField {
@@ -65,29 +51,23 @@ FocusScope {
 
         objectName: "profileName"
         width: 200
-        height: 50
+        height: QmlDefines.rowHeight
         leftPadding: 20
-        maximumLength: 1000
+        maximumLength: QmlDefines.nameLength
         selectByMouse: true
-        readOnly: !profile || !profile.temp
+        readOnly: !row.profile || !row.profile.temp
         text: row.name
 
         Accessible.name: qsTr("Profile name")
 
-        onActiveFocusChanged: {
-            if (activeFocus)
-                row.expand()
-        }
+        onActiveFocusChanged: if (activeFocus) row.expand()
 
         background: Rectangle {
             color: "transparent"
-            border.color: "#17a81a"
+            border.color: QmlDefines.pressedColor
             border.width: !nameField.readOnly && nameField.activeFocus ? 1 : 0
 
-            FocusFrame {
-                border.width: 1
-                visible: nameField.readOnly && nameField.activeFocus
-            }
+            FocusFrame { border.width: 1; visible: nameField.readOnly && nameField.activeFocus }
         }
     }
 
@@ -102,16 +82,21 @@ FocusScope {
         visible: row.expanded
 
         // Up and down end at the first and the last action.
-        Keys.onUpPressed: event.accepted = true
-        Keys.onDownPressed: event.accepted = true
+        Keys.onUpPressed: function(event) { event.accepted = true }
+        Keys.onDownPressed: function(event) { event.accepted = true }
 
         sourceComponent: Item {
-            function write() {
+            id: form
+
+            function save() {
+                if (!nameField.readOnly)
+                    row.profile.profileName = nameField.text
                 for (let i = 0; i < actions.count; ++i)
-                    actions.itemAtIndex(i).write()
+                    (actions.itemAtIndex(i) as FarmActionLine).write()
+                AppManager.saveProfileSettings(row.profile)
             }
 
-            height: actions.height + 50
+            height: actions.height + QmlDefines.rowHeight
 
             // All lines are there before anything is saved from them.
             Component.onCompleted: actions.forceLayout()
@@ -121,40 +106,27 @@ FocusScope {
 
                 objectName: "actions"
                 width: parent.width
-                height: count * 50
+                height: count * QmlDefines.rowHeight
                 interactive: false
                 keyNavigationEnabled: true
                 currentIndex: -1
-                model: profile ? profile.farmActions : []
+                model: row.profile ? row.profile.farmActions : []
 
-                delegate: FarmActionLine {
-                    onReached: row.view.reveal(this)
-                }
+                delegate: FarmActionLine { onReached: row.revealRequested(this) }
             }
 
             PButton {
                 objectName: "save"
-                anchors.horizontalCenter: parent.horizontalCenter
-                anchors.bottom: parent.bottom
-                anchors.bottomMargin: 10
+                anchors { horizontalCenter: parent.horizontalCenter; bottom: parent.bottom; bottomMargin: 10 }
                 width: 70
-                height: 30
+                height: QmlDefines.lineHeight
                 text: qsTr("Save")
                 enabled: nameField.text !== ""
-                onActiveFocusChanged: {
-                    if (activeFocus)
-                        row.view.reveal(this)
-                }
-                onClicked: row.save()
+                onActiveFocusChanged: if (activeFocus) row.revealRequested(this)
+                onClicked: form.save()
             }
         }
     }
 
-    Rectangle {
-        anchors.bottom: parent.bottom
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: parent.width - 10
-        height: 1
-        color: "#99ccff"
-    }
+    Rule {}
 }

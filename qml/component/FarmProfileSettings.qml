@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Window 2.15
+import ".."
 
 Item {
     id: page
@@ -14,7 +15,8 @@ Item {
             rows.append({ profile: profiles[rows.count] })
             return
         }
-        const openName = list.currentItem && list.currentItem.expanded ? list.currentItem.name : undefined
+        const current = list.currentRow
+        const openName = current && current.expanded ? current.name : undefined
         const y = list.contentY
         rows.clear()
         list.currentIndex = -1
@@ -24,7 +26,7 @@ Item {
         if (open < 0)
             return
         list.currentIndex = open
-        list.currentItem.expand()
+        list.currentRow.expand()
         list.forceLayout()
         list.contentY = y
         list.returnToBounds()
@@ -34,39 +36,34 @@ Item {
 
     Component.onCompleted: syncRows()
 
-    ListModel {
-        id: rows
-    }
+    ListModel { id: rows }
 
     Connections {
         target: AppModel.userInfo
 
-        function onFarmProfilesChanged() {
-            page.syncRows()
-        }
+        function onFarmProfilesChanged() { page.syncRows() }
     }
 
     PButton {
         id: addButton
 
         objectName: "addProfile"
-        anchors.top: parent.top
-        anchors.topMargin: 20
-        anchors.right: parent.right
-        anchors.rightMargin: 10
+        anchors { top: parent.top; topMargin: 20; right: parent.right; rightMargin: 10 }
         width: 100
-        height: 30
+        height: QmlDefines.lineHeight
         text: qsTr("Add Profile")
         onClicked: {
             AppModel.userInfo.createTempProfile()
             list.currentIndex = list.count - 1
-            list.currentItem.head.forceActiveFocus(Qt.TabFocusReason)
+            list.currentRow.head.forceActiveFocus(Qt.TabFocusReason)
             list.positionViewAtIndex(list.currentIndex, ListView.Beginning)
         }
     }
 
     ListView {
         id: list
+
+        readonly property FarmProfileRow currentRow: currentItem as FarmProfileRow
 
         /// Scrolls as little as shows all of @p item.
         function reveal(item) {
@@ -75,9 +72,7 @@ Item {
         }
 
         objectName: "profileView"
-        anchors.top: addButton.bottom
-        anchors.topMargin: 10
-        anchors.bottom: parent.bottom
+        anchors { top: addButton.bottom; topMargin: 10; bottom: parent.bottom }
         width: parent.width
         clip: true
         activeFocusOnTab: true
@@ -97,12 +92,11 @@ Item {
             if (activeFocus && currentIndex < 0 && count > 0 && Window.activeFocusItem === list)
                 currentIndex = 0
         }
-        onCurrentItemChanged: {
-            if (currentItem && activeFocus)
-                reveal(currentItem.head)
-        }
+        onCurrentItemChanged: if (currentRow && activeFocus) reveal(currentRow.head)
+        // As in PListView: a row that is being built would be left behind.
+        Component.onDestruction: model = null
 
-        delegate: FarmProfileRow {}
+        delegate: FarmProfileRow { onRevealRequested: function(item) { list.reveal(item) } }
 
         EmptyNote {
             objectName: "emptyNote"

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import ".."
 
 Rectangle {
     id: root
@@ -9,29 +10,24 @@ Rectangle {
     signal valueEdited(var newValue)
 
     width: parent ? parent.width : 0
-    height: 50
-    radius: 10
-    color: hover.hovered ? "#F5F5DC" : "transparent"
+    height: QmlDefines.rowHeight
+    radius: QmlDefines.panelRadius
+    color: hover.hovered ? QmlDefines.hoveredRowColor : "transparent"
 
     HoverHandler {
         id: hover
 
         acceptedDevices: PointerDevice.Mouse
         cursorShape: Qt.PointingHandCursor
-        onHoveredChanged: {
-            if (!hovered)
-                editor.focus = false
-        }
+        onHoveredChanged: if (!hovered) editor.focus = false
     }
 
-    Text {
+    PlainText {
         id: label
 
-        anchors.left: parent.left
-        anchors.verticalCenter: parent.verticalCenter
+        anchors { left: parent.left; verticalCenter: parent.verticalCenter }
         padding: 10
         text: root.labelText
-        textFormat: Text.PlainText
         font.bold: true
     }
 
@@ -39,11 +35,7 @@ Rectangle {
         id: editor
 
         objectName: "editor"
-        anchors.left: label.right
-        anchors.leftMargin: 20
-        anchors.right: parent.right
-        anchors.rightMargin: 10
-        anchors.verticalCenter: parent.verticalCenter
+        anchors { left: label.right; right: parent.right; leftMargin: 20; rightMargin: 10 }
         height: parent.height
         verticalAlignment: TextInput.AlignVCenter
         clip: true
@@ -57,8 +49,5 @@ Rectangle {
         onTextChanged: root.valueEdited(text)
     }
 
-    FocusFrame {
-        visible: editor.activeFocus
-        border.width: 1
-    }
+    FocusFrame { visible: editor.activeFocus; border.width: 1 }
 }

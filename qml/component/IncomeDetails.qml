@@ -1,5 +1,5 @@
 import QtQuick 2.15
-import QtQuick.Controls 2.15
+import ".."
 import "../Format.js" as Format
 
 /// The income of each device on one day; slides up over the page that holds it.
@@ -18,106 +18,79 @@ Rectangle {
         closeButton.forceActiveFocus(Qt.TabFocusReason)
     }
 
-    function hide() {
-        incomeDetails.height = 0
-    }
+    function hide() { incomeDetails.height = 0 }
 
     anchors.bottom: parent.bottom
     width: parent.width
     height: 0
     visible: height > 0
     clip: true
-    radius: 10
-    color: "#F5F5F5"
+    radius: QmlDefines.panelRadius
+    color: QmlDefines.detailsColor
 
     Keys.onEscapePressed: hide()
 
-    Behavior on height {
-        NumberAnimation {
-            duration: 700
-            easing.type: Easing.OutCubic
-        }
-    }
+    Behavior on height { Slide { duration: 700 } }
 
     // What lies under the panel is not to be clicked.
     MouseArea {
         anchors.fill: parent
-        onWheel: wheel.accepted = true
+        onWheel: function(wheel) { wheel.accepted = true }
     }
 
-    Button {
+    BaseButton {
         id: closeButton
 
         objectName: "close"
-        anchors.top: parent.top
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: parent.top; horizontalCenter: parent.horizontalCenter }
+        width: 40
         icon.source: "qrc:/images/close_icon.png"
         icon.color: "transparent"
 
         Accessible.name: qsTr("Close")
 
-        Keys.onReturnPressed: if (!event.isAutoRepeat) clicked()
-        Keys.onEnterPressed: if (!event.isAutoRepeat) clicked()
-        Keys.onReleased: event.accepted = event.isAutoRepeat
-
         onClicked: incomeDetails.hide()
-
-        background: Rectangle {
-            implicitWidth: 40
-            implicitHeight: 40
-            color: "transparent"
-            radius: 4
-
-            FocusFrame {
-                visible: closeButton.visualFocus
-            }
-        }
     }
 
     PListView {
         id: list
 
         objectName: "incomeView"
-        anchors.top: closeButton.bottom
-        anchors.bottom: parent.bottom
-        anchors.left: parent.left
-        anchors.right: parent.right
-        anchors.margins: 5
-        clip: true
-        currentIndex: -1
+        anchors { fill: parent; margins: 5; topMargin: closeButton.height + 5 }
         model: Format.entries(incomeDetails.model)
+        emptyText: qsTr("No devices")
 
-        Accessible.role: Accessible.List
         Accessible.name: qsTr("Income by device")
 
         onPullToRefreshReleased: incomeDetails.pullToRefreshReleased()
 
         delegate: Rectangle {
+            id: entry
+
+            required property var modelData
+            required property int index
+
             objectName: "incomeRow" + index
             width: list.width
-            height: 30
-            radius: 5
-            color: "#e6f2ff"
+            height: QmlDefines.lineHeight
+            radius: QmlDefines.entryRadius
+            color: QmlDefines.entryColor
 
             Accessible.role: Accessible.ListItem
             Accessible.name: device.text + ", " + income.text
 
             Row {
-                anchors.left: parent.left
-                anchors.leftMargin: 10
+                anchors { left: parent.left; leftMargin: 10 }
                 height: parent.height
                 spacing: 20
 
-                Text {
+                PlainText {
                     id: device
 
                     objectName: "device"
                     width: 200
                     height: parent.height
-                    verticalAlignment: Text.AlignVCenter
-                    text: qsTr("Device: ") + Format.line(modelData.key)
-                    textFormat: Text.PlainText
-                    elide: Text.ElideRight
+                    text: qsTr("Device: ") + Format.line(entry.modelData.key)
                 }
 
                 Rectangle {
@@ -128,31 +101,17 @@ Rectangle {
                     opacity: 0.8
                 }
 
-                Text {
+                PlainText {
                     id: income
 
                     objectName: "income"
                     width: 200
                     height: parent.height
-                    verticalAlignment: Text.AlignVCenter
-                    text: qsTr("Estimated income: ") + Format.groupedUnpadded(Format.income(modelData.value)) + " vnd"
-                    textFormat: Text.PlainText
-                    elide: Text.ElideRight
+                    text: qsTr("Estimated income: ") + Format.groupedUnpadded(Format.income(entry.modelData.value)) + " vnd"
                 }
             }
 
-            Rectangle {
-                anchors.bottom: parent.bottom
-                anchors.horizontalCenter: parent.horizontalCenter
-                width: parent.width - 10
-                height: 1
-                color: "#99ccff"
-            }
-        }
-
-        EmptyNote {
-            view: list
-            text: qsTr("No devices")
+            Rule {}
         }
     }
 }

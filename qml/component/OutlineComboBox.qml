@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Window 2.15
+import ".."
 import "../Format.js" as Format
 
 ComboBox {
@@ -11,17 +12,18 @@ ComboBox {
     delegate: ComboRow {
         padding: 5
         text: root.textRole === "" ? modelData : modelData[root.textRole]
-        textColor: "#4d94ff"
+        textColor: QmlDefines.inputColor
         highlighted: root.highlightedIndex === index
     }
 
     indicator: Canvas {
-        id: triangle
+        readonly property bool pressed: root.pressed
 
         x: root.width - width - root.rightPadding
         y: root.topPadding + (root.availableHeight - height) / 2
         width: 12
         height: 8
+        onPressedChanged: requestPaint()
         onPaint: {
             const context = getContext("2d")
             context.reset()
@@ -29,32 +31,21 @@ ComboBox {
             context.lineTo(width, 0)
             context.lineTo(width / 2, height)
             context.closePath()
-            context.fillStyle = "#4d94ff"
+            context.fillStyle = QmlDefines.inputColor
             context.fill()
-        }
-
-        Connections {
-            target: root
-
-            function onPressedChanged() {
-                triangle.requestPaint()
-            }
         }
     }
 
-    contentItem: Text {
+    contentItem: PlainText {
         rightPadding: root.indicator.width + root.spacing
-        verticalAlignment: Text.AlignVCenter
         text: Format.line(root.displayText)
-        textFormat: Text.PlainText
-        elide: Text.ElideRight
-        color: root.pressed ? "#17a81a" : "#4d94ff"
+        color: root.pressed ? QmlDefines.pressedColor : QmlDefines.inputColor
     }
 
     background: Rectangle {
         implicitWidth: 120
         implicitHeight: 40
-        border.color: "#4d94ff"
+        border.color: QmlDefines.inputColor
         border.width: root.visualFocus ? 2 : 1
         radius: 2
     }
@@ -76,9 +67,6 @@ ComboBox {
             ScrollIndicator.vertical: ScrollIndicator {}
         }
 
-        background: Rectangle {
-            border.color: "#4d94ff"
-            radius: 2
-        }
+        background: Rectangle { border.color: QmlDefines.inputColor; radius: 2 }
     }
 }

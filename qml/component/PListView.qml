@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Window 2.15
+import ".."
 
 /// A list that asks for fresh data when it is pulled down, and that keeps its place when its model is replaced.
 ListView {
@@ -9,6 +10,8 @@ ListView {
     property real keptY: 0
     property int keptIndex: -1
     property int keptCount: 0
+    /// What the list says while it is empty.
+    property alias emptyText: note.text
 
     signal pullToRefreshReleased()
 
@@ -19,10 +22,14 @@ ListView {
     }
 
     activeFocusOnTab: true
+    clip: true
+    currentIndex: -1
     // Following is done below: the built-in one would scroll away from the place that is put back.
     highlightFollowsCurrentItem: false
 
-    Keys.onPressed: {
+    Accessible.role: Accessible.List
+
+    Keys.onPressed: function(event) {
         if (event.key === Qt.Key_F5) {
             if (!event.isAutoRepeat)
                 pullToRefreshReleased()
@@ -36,10 +43,7 @@ ListView {
         if (activeFocus && currentIndex < 0 && count > 0 && (item === root || item.parent === contentItem))
             currentIndex = Math.max(0, indexAt(0, contentY + spacing))
     }
-    onDragEnded: {
-        if (indicator.visible)
-            pullToRefreshReleased()
-    }
+    onDragEnded: if (indicator.visible) pullToRefreshReleased()
 
     // A new model puts the view back to its start before it is announced, in one go; so what is noted once the
     // event loop comes round again is the place from before.
@@ -59,6 +63,10 @@ ListView {
         contentY = originY + Math.max(0, Math.min(y, contentHeight - height))
     }
 
+    // A view that goes gives up the row that it is building, and Qt forgets that row where the view's context has
+    // ended before. Here it has not.
+    Component.onDestruction: model = null
+
     ScrollBar.vertical: ScrollBar {}
 
     Timer {
@@ -77,19 +85,25 @@ ListView {
         height: root.originY - root.contentY
         visible: height > 100
 
-        Text {
+        PlainText {
             anchors.centerIn: parent
             text: qsTr("Pull to refresh")
-            textFormat: Text.PlainText
-            font.pixelSize: 15
+            font.pixelSize: QmlDefines.noteSize
         }
+    }
+
+    EmptyNote {
+        id: note
+
+        objectName: "emptyNote"
+        view: root
     }
 
     FocusFrame {
         parent: root
         anchors.margins: 0
         border.width: 1
-        border.color: "#4da6ff"
+        border.color: QmlDefines.textColor
         z: 1
         visible: root.Window.activeFocusItem === root
                  || (root.currentItem !== null && root.Window.activeFocusItem === root.currentItem)

@@ -1,19 +1,18 @@
 import QtQuick 2.15
+import ".."
 
 Rectangle {
     id: root
 
     property bool checked: false
 
-    function toggle() {
-        checked = !checked
-    }
+    function toggle() { checked = !checked }
 
     width: label.width + icon.width + 30
     color: "transparent"
-    border.color: "#26282a"
+    border.color: QmlDefines.buttonBorderColor
     border.width: mouseArea.pressed ? 1 : 0
-    radius: 4
+    radius: QmlDefines.controlRadius
     activeFocusOnTab: true
 
     Accessible.role: Accessible.CheckBox
@@ -23,34 +22,26 @@ Rectangle {
     Accessible.onToggleAction: toggle()
     Accessible.onPressAction: toggle()
 
-    Keys.onSpacePressed: if (!event.isAutoRepeat) toggle()
-    Keys.onReturnPressed: if (!event.isAutoRepeat) toggle()
-    Keys.onEnterPressed: if (!event.isAutoRepeat) toggle()
+    Keys.onSpacePressed: function(event) { if (!event.isAutoRepeat) toggle() }
+    Keys.onReturnPressed: function(event) { if (!event.isAutoRepeat) toggle() }
+    Keys.onEnterPressed: function(event) { if (!event.isAutoRepeat) toggle() }
 
-    Image {
+    Icon {
         id: icon
 
-        anchors.left: parent.left
-        anchors.leftMargin: 10
-        anchors.verticalCenter: parent.verticalCenter
-        width: height
-        height: parent.height / 2
+        anchors { left: parent.left; leftMargin: 10; verticalCenter: parent.verticalCenter }
+        size: parent.height / 2
         source: root.checked ? "qrc:/images/select_all_icon.png" : "qrc:/images/un_select_all_icon.png"
     }
 
-    Text {
+    PlainText {
         id: label
 
-        anchors.right: parent.right
-        anchors.rightMargin: 10
-        anchors.verticalCenter: parent.verticalCenter
+        anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
         text: qsTr("Select all")
-        textFormat: Text.PlainText
     }
 
-    FocusFrame {
-        visible: root.activeFocus
-    }
+    FocusFrame { visible: root.activeFocus }
 
     MouseArea {
         id: mouseArea

@@ -1,23 +1,24 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
+import ".."
 
 /// A check box of one square, without a label: give it an Accessible.name.
 T.CheckBox {
     id: root
 
     property real size: 20
-    readonly property color ink: down ? "#17a81a" : "#21be2b"
+    readonly property color ink: down ? QmlDefines.pressedColor : QmlDefines.editedColor
 
     implicitWidth: size
     implicitHeight: size
 
-    Keys.onReleased: event.accepted = event.isAutoRepeat
+    Keys.onReleased: function(event) { event.accepted = event.isAutoRepeat }
 
     indicator: Rectangle {
         width: root.size
         height: root.size
         radius: 3
-        color: "white"
+        color: QmlDefines.sheetColor
         border.color: root.ink
 
         Rectangle {
@@ -29,9 +30,6 @@ T.CheckBox {
             visible: root.checked
         }
 
-        FocusFrame {
-            anchors.margins: -4
-            visible: root.visualFocus
-        }
+        FocusFrame { anchors.margins: -4; visible: root.visualFocus }
     }
 }

@@ -1,80 +1,72 @@
 import QtQuick 2.15
+import Velstrand 1.0
+import ".."
 import "../component"
 import "../Format.js" as Format
 
 Item {
     id: page
 
-    readonly property var config: AppModel.globalConfig
+    readonly property GlobalConfig config: AppModel.globalConfig
+    /// What "Apply" would send, by the configuration's property.
+    readonly property var pending: ({})
 
-    // What "Apply" would send.
-    property int newAndroidAppVer
-    property string newAndroidAppPath
-    property int newFacebookAppVer
-    property int newManagerAppVer
-    property string newManagerAppPath
-    property int newDefinitionsVer
+    component Setting: GlobalSettingBaseItem {
+        property string key
+
+        defaultValue: page.config ? page.config[key] : qsTr("loading ...")
+        onValueEdited: function(newValue) {
+            page.pending[key] = newValue
+            if (key === "vsManagerAppVersion")
+                console.log("newManagerAppVer: " + Format.integer(newValue))
+        }
+    }
+
+    function apply() {
+        AppManager.applyGlobalSetting(Format.integer(pending.vsAndroidAppVersion), pending.vsAndroidAppPath || "",
+                                      Format.integer(pending.facebookAppVersion),
+                                      Format.integer(pending.vsManagerAppVersion), pending.vsManagerAppPath || "",
+                                      Format.integer(pending.vsDefinitionsVersion))
+    }
 
     objectName: "adminSettingsPage"
 
     Column {
-        anchors.top: parent.top
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: parent.top; horizontalCenter: parent.horizontalCenter }
         width: parent.width - 40
         spacing: 1
         enabled: !uploadSheet.visible
 
-        GlobalSettingBaseItem {
-            objectName: "androidAppVersion"
-            labelText: qsTr("VS android app verion: ")
-            defaultValue: page.config ? page.config.vsAndroidAppVersion : qsTr("loading ...")
-            onValueEdited: page.newAndroidAppVer = Format.integer(newValue)
-        }
+        Repeater {
+            model: [
+                { name: "androidAppVersion", key: "vsAndroidAppVersion", label: qsTr("VS android app verion: ") },
+                { name: "androidAppPath", key: "vsAndroidAppPath", label: qsTr("VS android app path: ") },
+                { name: "facebookAppVersion", key: "facebookAppVersion", label: qsTr("Facebook app verion: ") },
+                { name: "managerAppVersion", key: "vsManagerAppVersion", label: qsTr("VS manager app verion: ") },
+                { name: "managerAppPath", key: "vsManagerAppPath", label: qsTr("VS manager app path: ") }
+            ]
 
-        GlobalSettingBaseItem {
-            objectName: "androidAppPath"
-            labelText: qsTr("VS android app path: ")
-            defaultValue: page.config ? page.config.vsAndroidAppPath : qsTr("loading ...")
-            onValueEdited: page.newAndroidAppPath = newValue
-        }
+            delegate: Setting {
+                required property var modelData
 
-        GlobalSettingBaseItem {
-            objectName: "facebookAppVersion"
-            labelText: qsTr("Facebook app verion: ")
-            defaultValue: page.config ? page.config.facebookAppVersion : qsTr("loading ...")
-            onValueEdited: page.newFacebookAppVer = Format.integer(newValue)
-        }
-
-        GlobalSettingBaseItem {
-            objectName: "managerAppVersion"
-            labelText: qsTr("VS manager app verion: ")
-            defaultValue: page.config ? page.config.vsManagerAppVersion : qsTr("loading ...")
-            onValueEdited: {
-                page.newManagerAppVer = Format.integer(newValue)
-                console.log("newManagerAppVer: " + page.newManagerAppVer)
+                objectName: modelData.name
+                labelText: modelData.label
+                key: modelData.key
             }
-        }
-
-        GlobalSettingBaseItem {
-            objectName: "managerAppPath"
-            labelText: qsTr("VS manager app path: ")
-            defaultValue: page.config ? page.config.vsManagerAppPath : qsTr("loading ...")
-            onValueEdited: page.newManagerAppPath = newValue
         }
 
         Item {
             width: parent.width
-            height: 50
+            height: QmlDefines.rowHeight
 
             Item {
                 width: parent.width - uploadButton.width - 10
                 height: parent.height
 
-                GlobalSettingBaseItem {
+                Setting {
                     objectName: "definitionsVersion"
                     labelText: qsTr("VS definitions version: ")
-                    defaultValue: page.config ? page.config.vsDefinitionsVersion : qsTr("loading ...")
-                    onValueEdited: page.newDefinitionsVer = Format.integer(newValue)
+                    key: "vsDefinitionsVersion"
                 }
             }
 
@@ -82,8 +74,7 @@ Item {
                 id: uploadButton
 
                 objectName: "uploadNewDefinitions"
-                anchors.right: parent.right
-                anchors.verticalCenter: parent.verticalCenter
+                anchors { right: parent.right; verticalCenter: parent.verticalCenter }
                 height: parent.height - 20
                 text: qsTr("Upload new definitions")
                 enabled: page.config !== null
@@ -102,9 +93,7 @@ Item {
                 height: 40
                 text: qsTr("Apply")
                 enabled: page.config !== null
-                onClicked: AppManager.applyGlobalSetting(page.newAndroidAppVer, page.newAndroidAppPath,
-                                                         page.newFacebookAppVer, page.newManagerAppVer,
-                                                         page.newManagerAppPath, page.newDefinitionsVer)
+                onClicked: page.apply()
             }
         }
     }
@@ -113,11 +102,7 @@ Item {
         id: uploadSheet
 
         objectName: "uploadSheet"
-        anchors.fill: parent
         visible: false
-        onVisibleChanged: {
-            if (!visible)
-                uploadButton.forceActiveFocus(Qt.TabFocusReason)
-        }
+        onVisibleChanged: if (!visible) uploadButton.forceActiveFocus(Qt.TabFocusReason)
     }
 }

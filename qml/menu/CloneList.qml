@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import ".."
 import "../component"
 import "../Format.js" as Format
 import "../popup"
@@ -7,32 +8,26 @@ Item {
     id: page
 
     readonly property var columns: [
-        { id: 0, label: qsTr("Uid (total: ") + AppModel.totalFilteredClones + ")", filterable: true },
-        { id: 1, label: qsTr("Network"), filterable: false },
-        { id: 2, label: qsTr("Device"), filterable: true },
-        { id: 3, label: qsTr("Status"), filterable: true },
-        { id: 4, label: qsTr("Restriction"), filterable: false },
-        { id: 5, label: qsTr("Farm Profile"), filterable: true }
+        { name: "uid", label: qsTr("Uid (total: ") + AppModel.totalFilteredClones + ")", filterable: true },
+        { name: "network", label: qsTr("Network"), filterable: false },
+        { name: "device_id", label: qsTr("Device"), filterable: true },
+        { name: "status", label: qsTr("Status"), filterable: true },
+        { name: "restriction", label: qsTr("Restriction"), filterable: false },
+        { name: "farm_profile", label: qsTr("Farm Profile"), filterable: true }
     ]
-    /// Accepted values by column id; an empty list accepts all.
-    property var filters: ({ 0: [], 2: [], 3: [], 5: [] })
+    /// Accepted values by column name; an empty list accepts all.
+    property var filters: ({ uid: [], device_id: [], status: [], farm_profile: [] })
     /// The filters of a page that is being built are no change: the clones stay filtered as they were.
     property bool opened: false
-    readonly property bool filtering: filters[0].length + filters[2].length + filters[3].length + filters[5].length > 0
+    readonly property bool filtering: Object.values(filters).some(values => values.length > 0)
 
     function setFilter(column, text) {
-        const changed = Object.assign({}, filters)
-        changed[column] = Format.lines(text)
-        filters = changed
+        filters = Object.assign({}, filters, { [column]: Format.lines(text) })
     }
 
     function applyFilters() {
-        AppManager.updateFilteredClone({
-            "uid": filters[0],
-            "device_id": filters[2],
-            "status": filters[3].map(Format.cloneStatusCode),
-            "farm_profile": filters[5]
-        })
+        AppManager.updateFilteredClone(
+                    Object.assign({}, filters, { status: filters.status.map(Format.cloneStatusCode) }))
     }
 
     objectName: "cloneListPage"
@@ -68,13 +63,9 @@ Item {
         // Over the page, these keys belong to the popup or to the window's overlays.
         enabled: !popup.visible && AppModel.userInfo.isValidated
 
-        function onKeyboardSelectAll() {
-            AppManager.selectAllClone(true)
-        }
+        function onKeyboardSelectAll() { AppManager.selectAllClone(true) }
 
-        function onKeyboardCopy() {
-            AppManager.copyUIDsSelectedClones()
-        }
+        function onKeyboardCopy() { AppManager.copyUIDsSelectedClones() }
     }
 
     Item {
@@ -91,48 +82,34 @@ Item {
                 // The number of columns, not the columns: a changed total must not make new fields.
                 model: page.columns.length
 
-                delegate: Item {
+                delegate: ColumnHead {
+                    id: head
+
+                    required property int index
                     readonly property var column: page.columns[index]
 
+                    objectName: "head" + index
                     width: heads.width / page.columns.length
                     height: heads.height
-
-                    Rectangle {
-                        width: 1
-                        height: parent.height
-                        color: "#4d4d4d"
-                    }
+                    text: column.label
 
                     Rectangle {
                         anchors.right: parent.right
                         width: 1
                         height: parent.height
-                        color: "#4d4d4d"
-                    }
-
-                    Text {
-                        objectName: "head" + index
-                        width: parent.width
-                        height: 30
-                        padding: 4
-                        horizontalAlignment: Text.AlignHCenter
-                        verticalAlignment: Text.AlignVCenter
-                        text: column.label
-                        textFormat: Text.PlainText
-                        elide: Text.ElideRight
-                        font.bold: true
+                        color: QmlDefines.headRuleColor
                     }
 
                     FilterField {
-                        objectName: "filter" + index
-                        y: 30
+                        objectName: "filter" + head.index
+                        y: QmlDefines.lineHeight
                         anchors.horizontalCenter: parent.horizontalCenter
                         width: parent.width - 20
-                        enabled: column.filterable
+                        enabled: head.column.filterable
 
-                        Accessible.name: qsTr("Filter") + " " + column.label
+                        Accessible.name: qsTr("Filter") + " " + head.text
 
-                        onTextChanged: page.setFilter(column.id, text)
+                        onTextChanged: page.setFilter(head.column.name, text)
                     }
                 }
             }
@@ -141,12 +118,10 @@ Item {
         Rectangle {
             id: area
 
-            anchors.top: heads.bottom
-            anchors.topMargin: 10
-            anchors.horizontalCenter: parent.horizontalCenter
+            anchors { top: heads.bottom; topMargin: 10; horizontalCenter: parent.horizontalCenter }
             width: parent.width - 20
             height: parent.height - 50
-            color: "white"
+            color: QmlDefines.sheetColor
 
             PListView {
                 id: list
@@ -154,9 +129,7 @@ Item {
                 property bool wide: false
                 property bool checkable: false
 
-                function widen() {
-                    wide = true
-                }
+                function widen() { wide = true }
 
                 objectName: "cloneView"
                 // The area reaches below the page; the last row stands clear of that and of the tool box.
@@ -164,11 +137,9 @@ Item {
                 anchors.bottomMargin: area.y + area.height - page.height + (toolBox.hidden ? 0 : toolBox.height)
                 // Keeps the rows around the view built: bit by bit, but not those that a first layout asks for.
                 cacheBuffer: wide ? 100 * height : 0
-                clip: true
-                currentIndex: -1
                 model: AppModel.filteredCloneList
+                emptyText: page.filtering ? qsTr("No clones pass the filter") : qsTr("No clones")
 
-                Accessible.role: Accessible.List
                 Accessible.name: qsTr("Clones")
 
                 onPullToRefreshReleased: AppManager.getCloneList()
@@ -179,12 +150,6 @@ Item {
                     columnWidth: page.width / page.columns.length
                     checkable: list.checkable
                     onHeld: toolBox.hidden = false
-                }
-
-                EmptyNote {
-                    objectName: "emptyNote"
-                    view: list
-                    text: page.filtering ? qsTr("No clones pass the filter") : qsTr("No clones")
                 }
             }
         }
@@ -200,7 +165,7 @@ Item {
                 objectName: "cloneToolBox"
                 y: hidden ? 0 : -height
                 width: parent.width
-                height: 50
+                height: QmlDefines.rowHeight
 
                 // The rows in view change at once, the many around it are built anew in the background.
                 onHiddenChanged: {
@@ -208,8 +173,8 @@ Item {
                     list.checkable = !hidden
                     Qt.callLater(list.widen)
                 }
-                onSelectAllChanged: AppManager.selectAllClone(selected)
-                onProfileSelected: AppManager.updateFarmProfile(profile)
+                onSelectAllChanged: function(selected) { AppManager.selectAllClone(selected) }
+                onProfileSelected: function(profile) { AppManager.updateFarmProfile(profile) }
                 onAddClones: popup.visible = true
                 onDeleteSelectedClones: AppManager.deleteSelectedClone()
                 onResetSelectedClones: AppManager.resetSelectedClone()
@@ -221,11 +186,7 @@ Item {
         id: popup
 
         objectName: "inputClonesPopup"
-        anchors.fill: parent
         visible: false
-        onVisibleChanged: {
-            if (!visible)
-                list.forceActiveFocus(Qt.TabFocusReason)
-        }
+        onVisibleChanged: if (!visible) list.forceActiveFocus(Qt.TabFocusReason)
     }
 }

@@ -1,25 +1,26 @@
 import QtQuick 2.15
+import Velstrand 1.0
+import ".."
 import "../component"
 import "../Format.js" as Format
 
 /// A clone of the clone page. The view builds a hundred screens of these, so there is little in one: what is
 /// shown only now and then is made when it is needed.
-FocusScope {
+ListRow {
     id: row
 
-    readonly property bool current: ListView.isCurrentItem
-    readonly property var view: ListView.view
+    required property CloneInfo modelData
     /// A sixth of the page, as its column heads; the list is 10 pixels in from the page's left edge.
     property real columnWidth
     property bool checkable: false
 
     signal held()
 
+    // A TableCell in all but its base, which would be one more layer in each of thousands.
     component Cell: Text {
         width: row.columnWidth
         height: 48
-        leftPadding: 4
-        rightPadding: 4
+        padding: 4
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         textFormat: Text.PlainText
@@ -37,17 +38,15 @@ FocusScope {
     }
 
     objectName: "cloneRow" + modelData.place
-    width: view ? view.width : 0
-    height: modelData.filtered ? 50 : 0
+    height: modelData.filtered ? QmlDefines.rowHeight : 0
     visible: modelData.filtered
     z: badge.active ? 1 : 0
 
-    Accessible.role: Accessible.ListItem
     Accessible.name: uidCell.text
     Accessible.selected: modelData.selected
     Accessible.onPressAction: view.currentIndex = index
 
-    Keys.onSpacePressed: if (!event.isAutoRepeat) modelData.selected = !modelData.selected
+    Keys.onSpacePressed: function(event) { if (!event.isAutoRepeat) modelData.selected = !modelData.selected }
     Keys.onReturnPressed: held()
     Keys.onEnterPressed: held()
 
@@ -55,14 +54,14 @@ FocusScope {
         objectName: "rowBackground"
         width: parent.width
         height: 48
-        radius: 16
-        color: modelData.selected || row.current ? "#3f4d94ff" : "transparent"
+        radius: QmlDefines.rowRadius
+        color: row.modelData.selected || row.current ? QmlDefines.currentRowColor : "transparent"
     }
 
     Cell {
         objectName: "number"
         width: 30
-        text: modelData.place + 1
+        text: row.modelData.place + 1
         minimumPointSize: 6
         leftPadding: 2
         rightPadding: 0
@@ -74,40 +73,32 @@ FocusScope {
         objectName: "uid"
         x: 30
         width: row.columnWidth - 40
-        text: Format.line(modelData.uid)
+        text: Format.line(row.modelData.uid)
     }
 
-    Cell {
-        objectName: "network"
-        x: row.columnWidth - 10
-        text: Format.line(modelData.network)
-    }
+    Cell { objectName: "network"; x: row.columnWidth - 10; text: Format.line(row.modelData.network) }
 
     Cell {
         id: deviceCell
 
         objectName: "deviceId"
         x: 2 * row.columnWidth - 10
-        text: Format.line(modelData.deviceId)
+        text: Format.line(row.modelData.deviceId)
     }
 
-    Cell {
-        objectName: "status"
-        x: 3 * row.columnWidth - 10
-        text: Format.cloneStatus(modelData.status)
-    }
+    Cell { objectName: "status"; x: 3 * row.columnWidth - 10; text: Format.cloneStatus(row.modelData.status) }
 
     Cell {
         objectName: "restriction"
         x: 4 * row.columnWidth - 10
-        text: Format.restrictions(modelData.restriction)
+        text: Format.restrictions(row.modelData.restriction)
     }
 
     Cell {
         objectName: "farmProfile"
         x: 5 * row.columnWidth - 10
         width: row.columnWidth - 10 - (row.checkable ? 40 : 0)
-        text: Format.line(modelData.farmProfile)
+        text: Format.line(row.modelData.farmProfile)
     }
 
     MouseArea {
@@ -115,46 +106,41 @@ FocusScope {
         anchors.fill: parent
 
         onClicked: {
-            row.view.currentIndex = index
+            row.view.currentIndex = row.index
             row.view.forceActiveFocus(Qt.MouseFocusReason)
             if (AppIO.keyboardModifiers === Qt.ControlModifier)
-                modelData.selected = true
+                row.modelData.selected = true
             else
                 AppManager.selectAllClone(false)
         }
         onPressAndHold: {
-            row.view.currentIndex = index
+            row.view.currentIndex = row.index
             row.held()
         }
-        onDoubleClicked: {
+        onDoubleClicked: function(mouse) {
             if (mouse.x >= uidCell.x && mouse.x < uidCell.x + uidCell.width)
-                row.copy(uidCell, modelData.uid)
+                row.copy(uidCell, row.modelData.uid)
             else if (mouse.x >= deviceCell.x && mouse.x < deviceCell.x + deviceCell.width)
-                row.copy(deviceCell, modelData.deviceId)
+                row.copy(deviceCell, row.modelData.deviceId)
         }
     }
 
     Loader {
-        anchors.right: parent.right
-        anchors.rightMargin: 10
-        anchors.verticalCenter: parent.verticalCenter
+        anchors { right: parent.right; rightMargin: 10; verticalCenter: parent.verticalCenter }
         active: row.checkable
 
         sourceComponent: SquareCheckBox {
             objectName: "check"
-            size: 50 / 3
-            checked: modelData.selected
+            size: QmlDefines.rowHeight / 3
+            checked: row.modelData.selected
 
             // By keyboard a row's box is reached from its row, so that the way past the list is one step.
             focusPolicy: row.current ? Qt.StrongFocus : Qt.ClickFocus
 
             Accessible.name: uidCell.text
 
-            onClicked: modelData.selected = checked
-            onActiveFocusChanged: {
-                if (activeFocus)
-                    row.view.currentIndex = index
-            }
+            onClicked: row.modelData.selected = checked
+            onActiveFocusChanged: if (activeFocus) row.view.currentIndex = row.index
         }
     }
 
@@ -167,9 +153,7 @@ FocusScope {
         active: false
 
         sourceComponent: Item {
-            function restart() {
-                lifetime.restart()
-            }
+            function restart() { lifetime.restart() }
 
             x: badge.cell.x + badge.cell.width / 4
             // Under the cell, over the next row; within the view where there is no room below.
@@ -179,16 +163,12 @@ FocusScope {
 
             Rectangle {
                 anchors.fill: parent
-                radius: 5
-                color: "grey"
+                radius: QmlDefines.entryRadius
+                color: QmlDefines.dimColor
                 opacity: 0.5
             }
 
-            Text {
-                anchors.centerIn: parent
-                text: qsTr("Copied")
-                textFormat: Text.PlainText
-            }
+            PlainText { anchors.centerIn: parent; text: qsTr("Copied") }
 
             Timer {
                 id: lifetime

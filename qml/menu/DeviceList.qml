@@ -5,14 +5,8 @@ import "../component"
 Item {
     id: page
 
-    /// Opens the clone page, through the menu that stands beside the page area.
-    function showClones() {
-        const siblings = page.parent.parent.children
-        for (let i = 0; i < siblings.length; ++i) {
-            if (siblings[i].objectName === "mainMenu")
-                siblings[i].currentIndex = QmlDefines._CLONES
-        }
-    }
+    /// Asks for another page, by the id of its menu row.
+    signal pageRequested(int id)
 
     objectName: "deviceListPage"
 
@@ -21,10 +15,9 @@ Item {
     Row {
         id: heads
 
-        anchors.top: parent.top
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: parent.top; horizontalCenter: parent.horizontalCenter }
         width: parent.width - 20
-        height: 30
+        height: QmlDefines.lineHeight
 
         Repeater {
             model: [
@@ -32,63 +25,38 @@ Item {
                 qsTr("Connectivity"), qsTr("Label"), qsTr("Last Getting Jobs")
             ]
 
-            delegate: Item {
+            delegate: ColumnHead {
+                required property string modelData
+                required property int index
+
+                objectName: "head" + index
                 width: heads.width / 7
                 height: heads.height
-
-                Rectangle {
-                    width: 1
-                    height: parent.height
-                    color: "#4d4d4d"
-                }
-
-                Text {
-                    objectName: "head" + index
-                    anchors.fill: parent
-                    padding: 4
-                    horizontalAlignment: Text.AlignHCenter
-                    verticalAlignment: Text.AlignVCenter
-                    text: modelData
-                    textFormat: Text.PlainText
-                    elide: Text.ElideRight
-                    font.bold: true
-                }
+                text: modelData
             }
         }
     }
 
     Rectangle {
-        anchors.top: heads.bottom
-        anchors.topMargin: 10
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: heads.bottom; topMargin: 10; horizontalCenter: parent.horizontalCenter }
         width: parent.width - 20
         height: parent.height - 50
-        color: "white"
+        color: QmlDefines.sheetColor
 
         PListView {
             id: list
 
             objectName: "deviceView"
             anchors.fill: parent
-            clip: true
             spacing: 2
-            currentIndex: -1
             model: AppModel.deviceList
+            emptyText: qsTr("No devices")
 
-            Accessible.role: Accessible.List
             Accessible.name: qsTr("Devices")
 
             onPullToRefreshReleased: AppManager.getDeviceList()
 
-            delegate: DeviceRow {
-                onDetailsRequested: page.showClones()
-            }
-
-            EmptyNote {
-                objectName: "emptyNote"
-                view: list
-                text: qsTr("No devices")
-            }
+            delegate: DeviceRow { onDetailsRequested: page.pageRequested(QmlDefines._CLONES) }
         }
     }
 }

@@ -1,15 +1,16 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
 import QtQuick.Window 2.15
+import Velstrand 1.0
+import ".."
 import "../component"
 import "../Format.js" as Format
 
 /// A device of the device page with its tool box, which is open at most while the row is the current one.
-FocusScope {
+ListRow {
     id: row
 
-    readonly property bool current: ListView.isCurrentItem
-    readonly property var view: ListView.view
+    required property DeviceInfo modelData
     readonly property real cellWidth: width / 7
     /// The label as the field holds it while nobody has typed: a field bounds what it takes.
     readonly property string storedLabel: modelData.deviceConfig.deviceLabel.substring(0, labelField.maximumLength)
@@ -20,22 +21,15 @@ FocusScope {
 
     signal detailsRequested()
 
-    component Cell: Text {
+    component Cell: TableCell {
         width: row.cellWidth
-        height: 50
-        padding: 4
-        horizontalAlignment: Text.AlignHCenter
-        verticalAlignment: Text.AlignVCenter
-        textFormat: Text.PlainText
-        elide: Text.ElideRight
-        maximumLineCount: 1
+        height: QmlDefines.rowHeight
     }
 
-    component FieldFrame: Rectangle {
-        property bool focused
-
-        radius: 16
-        border.color: focused ? "#21be2b" : "#bdbdbd"
+    component RoundFrame: FieldFrame {
+        radius: QmlDefines.rowRadius
+        focusedColor: QmlDefines.editedColor
+        restColor: QmlDefines.cellFieldColor
         border.width: focused ? 2 : 1
     }
 
@@ -68,186 +62,138 @@ FocusScope {
     }
 
     objectName: "deviceRow" + index
-    width: view ? view.width : 0
-    height: 50 + toolBox.height
+    height: QmlDefines.rowHeight + toolBox.height
 
-    Accessible.role: Accessible.ListItem
     Accessible.name: Format.line(modelData.androidId)
     Accessible.selected: current
     Accessible.onPressAction: activate()
 
-    Keys.onReturnPressed: edit(event)
-    Keys.onEnterPressed: edit(event)
-    Keys.onSpacePressed: edit(event)
+    Keys.onReturnPressed: function(event) { edit(event) }
+    Keys.onEnterPressed: function(event) { edit(event) }
+    Keys.onSpacePressed: function(event) { edit(event) }
     Keys.onEscapePressed: {
         open = false
         takeFocus(Qt.TabFocusReason)
     }
 
-    onCurrentChanged: {
-        if (!current)
-            open = false
-    }
-    onOpenChanged: {
-        if (open)
-            toolBox.active = true
-    }
+    onCurrentChanged: if (!current) open = false
+    onOpenChanged: if (open) toolBox.active = true
     // The tool box of the last row opens below the edge of the view.
-    onHeightChanged: {
-        if (open && view)
-            view.positionViewAtIndex(index, ListView.Contain)
-    }
+    onHeightChanged: if (open && view) view.positionViewAtIndex(index, ListView.Contain)
 
     Rectangle {
         width: parent.width
-        height: 50
-        radius: 16
-        color: row.current ? "#3f4d94ff" : "transparent"
-    }
+        height: QmlDefines.rowHeight
+        radius: QmlDefines.rowRadius
+        color: row.current ? QmlDefines.currentRowColor : "transparent"
 
-    Rectangle {
-        y: 48
-        width: parent.width
-        height: 2
-        color: "#99ccff"
-        visible: !row.current
+        Rule {
+            width: parent.width
+            height: 2
+            visible: !row.current
+        }
     }
 
     MouseArea {
         objectName: "rowArea"
         width: parent.width
-        height: 50
+        height: QmlDefines.rowHeight
         onClicked: {
             row.activate()
             row.takeFocus(Qt.MouseFocusReason)
         }
     }
 
-    Row {
-        width: parent.width
-        height: 50
+    Cell {
+        width: 30
+        padding: 0
+        text: row.index + 1
+        fontSizeMode: Text.HorizontalFit
+        minimumPointSize: 6
+    }
 
-        Cell {
-            width: 30
-            padding: 0
-            text: index + 1
-            fontSizeMode: Text.HorizontalFit
-            minimumPointSize: 6
-        }
+    Cell {
+        objectName: "androidId"
+        x: 30
+        width: row.cellWidth - 30
+        padding: 0
+        text: Format.line(row.modelData.androidId)
+        // Sixteen digits beside the number.
+        font.pixelSize: 11
+    }
 
-        Cell {
-            objectName: "androidId"
-            width: row.cellWidth - 30
-            padding: 0
-            text: Format.line(modelData.androidId)
-            // Sixteen digits beside the number.
-            font.pixelSize: 11
-        }
+    Cell { objectName: "model"; x: row.cellWidth; text: Format.line(row.modelData.model) }
+    Cell { objectName: "status"; x: 2 * row.cellWidth; text: Format.deviceStatus(row.modelData.status) }
+    Cell { objectName: "cloneCount"; x: 3 * row.cellWidth; text: row.modelData.cloneCount }
 
-        Cell {
-            objectName: "model"
-            text: Format.line(modelData.model)
-        }
+    ComboBox {
+        id: connectivityBox
 
-        Cell {
-            objectName: "status"
-            text: Format.deviceStatus(modelData.status)
-        }
+        objectName: "connectivity"
+        x: 4 * row.cellWidth + 10
+        y: 7
+        width: row.cellWidth - 20
+        height: 36
+        model: ["wifi", "cellular"]
+        currentIndex: row.modelData.deviceConfig.connectivityType
 
-        Cell {
-            objectName: "cloneCount"
-            text: modelData.cloneCount
-        }
+        Accessible.name: qsTr("Connectivity")
 
-        Item {
-            width: row.cellWidth
-            height: 50
+        onActiveFocusChanged: if (activeFocus) row.activate()
 
-            ComboBox {
-                id: connectivityBox
+        background: RoundFrame {}
+    }
 
-                objectName: "connectivity"
-                anchors.centerIn: parent
-                width: parent.width - 20
-                height: 36
-                model: ["wifi", "cellular"]
-                currentIndex: modelData.deviceConfig.connectivityType
+    TextField {
+        id: labelField
 
-                Accessible.name: qsTr("Connectivity")
+        objectName: "label"
+        x: 5 * row.cellWidth + 10
+        y: 7
+        width: row.cellWidth - 20
+        height: 36
+        leftPadding: 12
+        rightPadding: 12
+        maximumLength: QmlDefines.nameLength
+        selectByMouse: true
+        text: row.storedLabel
 
-                onActiveFocusChanged: {
-                    if (activeFocus)
-                        row.activate()
-                }
+        Accessible.name: qsTr("Label")
 
-                background: FieldFrame {
-                    focused: connectivityBox.activeFocus
-                }
-            }
-        }
+        onActiveFocusChanged: if (activeFocus) row.activate()
 
-        Item {
-            width: row.cellWidth
-            height: 50
+        background: RoundFrame {}
+    }
 
-            TextField {
-                id: labelField
-
-                objectName: "label"
-                anchors.centerIn: parent
-                width: parent.width - 20
-                height: 36
-                leftPadding: 12
-                rightPadding: 12
-                maximumLength: 1000
-                selectByMouse: true
-                text: row.storedLabel
-
-                Accessible.name: qsTr("Label")
-
-                onActiveFocusChanged: {
-                    if (activeFocus)
-                        row.activate()
-                }
-
-                background: FieldFrame {
-                    focused: labelField.activeFocus
-                }
-            }
-        }
-
-        Cell {
-            objectName: "lastGettingJobs"
-            text: Format.line(modelData.lastGettingJobs)
-            fontSizeMode: Text.HorizontalFit
-            minimumPointSize: 7
-        }
+    Cell {
+        objectName: "lastGettingJobs"
+        x: 6 * row.cellWidth
+        text: Format.line(row.modelData.lastGettingJobs)
+        fontSizeMode: Text.HorizontalFit
+        minimumPointSize: 7
     }
 
     Loader {
         id: toolBox
 
         objectName: "toolBox"
-        y: 50
+        y: QmlDefines.rowHeight
         anchors.horizontalCenter: parent.horizontalCenter
         active: false
 
         sourceComponent: DeviceToolBox {
             height: 0
-            deviceObject: modelData
+            deviceObject: row.modelData
             saveChangeEnable: row.edited
 
-            onConfirmSelectedDevice: AppManager.confirmSelectedDevice(modelData)
-            onDeleteSelectedDevice: AppManager.deleteSelectedDevice(modelData)
+            onConfirmSelectedDevice: AppManager.confirmSelectedDevice(row.modelData)
+            onDeleteSelectedDevice: AppManager.deleteSelectedDevice(row.modelData)
             onSaveSelectedDeviceConfig: row.save()
             onViewSelectedDevice: row.detailsRequested()
-            onHeightChanged: {
-                if (height === 0 && !row.open)
-                    toolBox.active = false
-            }
+            onHeightChanged: if (height === 0 && !row.open) toolBox.active = false
 
             // Bound only now, so that the opening is animated too.
-            Component.onCompleted: height = Qt.binding(() => row.open ? 50 : 0)
+            Component.onCompleted: height = Qt.binding(() => row.open ? QmlDefines.rowHeight : 0)
         }
     }
 }

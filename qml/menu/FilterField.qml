@@ -1,10 +1,10 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import ".."
+import "../component"
 
 /// The filter of one column: each line of its text is one value. Shown in one line; line breaks are kept.
 TextField {
-    id: field
-
     height: 25
     padding: 0
     leftPadding: 12
@@ -15,17 +15,11 @@ TextField {
     // Some 30,000 uids. Laying out more in one line would hold up the window.
     maximumLength: 500000
 
-    background: Rectangle {
-        radius: width / 2
-        border.color: field.activeFocus ? "#21be2b" : "grey"
-    }
+    background: FieldFrame { radius: width / 2; focusedColor: QmlDefines.editedColor }
 
-    Image {
-        anchors.right: parent.right
-        anchors.rightMargin: 8
-        anchors.verticalCenter: parent.verticalCenter
-        width: 16
-        height: 16
+    Icon {
+        anchors { right: parent.right; rightMargin: 8; verticalCenter: parent.verticalCenter }
+        size: 16
         source: "qrc:/images/search_icon.ico"
     }
 }

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import ".."
+import "../component"
 
 Item {
     objectName: "homePage"
@@ -9,22 +10,18 @@ Item {
 
         objectName: "homeLogo"
         anchors.horizontalCenter: parent.horizontalCenter
-        anchors.verticalCenter: parent.verticalCenter
-        anchors.verticalCenterOffset: -100
+        anchors { verticalCenter: parent.verticalCenter; verticalCenterOffset: -100 }
         width: parent.width / 4
         fillMode: Image.PreserveAspectFit
         mipmap: true
         source: "qrc:/images/velstrand_logo.png"
     }
 
-    Text {
+    PlainText {
         objectName: "welcome"
-        anchors.top: logo.bottom
-        anchors.topMargin: 20
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: logo.bottom; topMargin: 20; horizontalCenter: parent.horizontalCenter }
         horizontalAlignment: Text.AlignHCenter
         text: qsTr("Welcome to Velstrand\nGoodluck for you")
-        textFormat: Text.PlainText
         color: QmlDefines.textColor
         font.pixelSize: 30
     }

@@ -1,12 +1,14 @@
 import QtQuick 2.15
+import Velstrand 1.0
+import ".."
 import "../component"
 import "../Format.js" as Format
 
 /// One day of the report page: its date, its jobs and what they earned.
-FocusScope {
+ListRow {
     id: row
 
-    readonly property var view: ListView.view
+    required property ReportsByDate modelData
     readonly property var totals: modelData.data
     readonly property bool empty: jobs.length === 0
     property var jobs: []
@@ -15,41 +17,38 @@ FocusScope {
 
     signal detailsRequested()
 
+    function open(event) {
+        if (!empty && !event.isAutoRepeat)
+            detailsRequested()
+    }
+
     objectName: "reportRow" + index
-    width: view ? view.width : 0
     height: Math.max(jobList.height, empty ? 30 : 40) + 10
 
-    Accessible.role: Accessible.ListItem
     Accessible.name: modelData.date
 
-    Keys.onReturnPressed: if (!empty && !event.isAutoRepeat) detailsRequested()
-    Keys.onEnterPressed: if (!empty && !event.isAutoRepeat) detailsRequested()
+    Keys.onReturnPressed: function(event) { open(event) }
+    Keys.onEnterPressed: function(event) { open(event) }
 
     onTotalsChanged: {
         nameWidth = 200
         jobs = Format.entries(totals)
     }
 
-    Text {
+    PlainText {
         objectName: "date"
-        anchors.left: parent.left
-        anchors.leftMargin: 20
-        anchors.verticalCenter: parent.top
-        anchors.verticalCenterOffset: 15
+        anchors { left: parent.left; leftMargin: 20; verticalCenter: parent.top; verticalCenterOffset: 15 }
         padding: 10
-        text: Format.line(modelData.date)
-        textFormat: Text.PlainText
+        text: Format.line(row.modelData.date)
     }
 
-    Text {
+    PlainText {
         objectName: "noData"
         x: 200
-        height: 30
+        height: QmlDefines.lineHeight
         visible: row.empty
-        verticalAlignment: Text.AlignVCenter
         text: qsTr("No data")
-        textFormat: Text.PlainText
-        color: "grey"
+        color: QmlDefines.dimColor
     }
 
     ListView {
@@ -64,37 +63,33 @@ FocusScope {
         model: row.jobs
 
         delegate: Rectangle {
-            width: jobList.width
-            height: 30
-            radius: 5
-            color: "#e6f2ff"
+            id: entry
 
-            Text {
+            required property var modelData
+
+            width: jobList.width
+            height: QmlDefines.lineHeight
+            radius: QmlDefines.entryRadius
+            color: QmlDefines.entryColor
+
+            PlainText {
                 id: name
 
                 objectName: "name"
                 width: Math.min(row.nameWidth, parent.width - 100)
                 height: parent.height
                 leftPadding: 10
-                verticalAlignment: Text.AlignVCenter
-                text: Format.line(modelData.key) + ":"
-                textFormat: Text.PlainText
-                elide: Text.ElideRight
+                text: Format.line(entry.modelData.key) + ":"
 
                 // The padding is the column's room beside the widest name.
                 onImplicitWidthChanged: row.nameWidth = Math.max(row.nameWidth, implicitWidth)
             }
 
-            Text {
+            PlainText {
                 objectName: "value"
-                anchors.left: name.right
-                anchors.leftMargin: 10
-                anchors.right: parent.right
+                anchors { left: name.right; leftMargin: 10; right: parent.right }
                 height: parent.height
-                verticalAlignment: Text.AlignVCenter
-                text: Format.line(String(modelData.value))
-                textFormat: Text.PlainText
-                elide: Text.ElideRight
+                text: Format.line(String(entry.modelData.value))
             }
         }
     }
@@ -109,40 +104,25 @@ FocusScope {
         opacity: row.empty ? 0 : 1
         enabled: !row.empty
 
-        Text {
+        PlainText {
             objectName: "income"
-            anchors.left: parent.left
-            anchors.leftMargin: 20
-            anchors.right: details.left
+            anchors { left: parent.left; leftMargin: 20; right: details.left }
             height: parent.height
-            verticalAlignment: Text.AlignVCenter
             text: qsTr("Estimated income: ") + Format.grouped(Format.income(row.totals)) + " vnd"
-            textFormat: Text.PlainText
-            elide: Text.ElideRight
         }
 
         PButton {
             id: details
 
             objectName: "details"
-            anchors.right: parent.right
-            anchors.rightMargin: 20
+            anchors { right: parent.right; rightMargin: 20 }
             width: 80
             height: 40
             text: qsTr("Details")
-            onActiveFocusChanged: {
-                if (activeFocus)
-                    row.view.currentIndex = index
-            }
+            onActiveFocusChanged: if (activeFocus) row.view.currentIndex = row.index
             onClicked: row.detailsRequested()
         }
     }
 
-    Rectangle {
-        anchors.bottom: parent.bottom
-        anchors.horizontalCenter: parent.horizontalCenter
-        width: parent.width - 10
-        height: 1
-        color: "#99ccff"
-    }
+    Rule {}
 }

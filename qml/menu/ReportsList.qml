@@ -4,31 +4,21 @@ import "../component"
 PListView {
     id: page
 
-    function slimWidth() {
-        return parent ? parent.width - 20 : 0
-    }
+    function slimWidth() { return parent ? parent.width - 20 : 0 }
 
-    function focusCurrentRow() {
-        (currentItem || page).forceActiveFocus(Qt.TabFocusReason)
-    }
+    function focusCurrentRow() { (currentItem || page).forceActiveFocus(Qt.TabFocusReason) }
 
     objectName: "reportsPage"
     width: slimWidth()
     anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
-    clip: true
-    currentIndex: -1
     activeFocusOnTab: !incomeDetails.visible
     interactive: !incomeDetails.visible
     model: AppModel.reportList
 
-    Accessible.role: Accessible.List
     Accessible.name: qsTr("Make money")
 
     // The Loader stretches the page with every change of its own size, unknown to the binding.
-    onWidthChanged: {
-        if (parent)
-            width = Qt.binding(slimWidth)
-    }
+    onWidthChanged: if (parent) width = Qt.binding(slimWidth)
     onPullToRefreshReleased: AppManager.getReports()
 
     Component.onCompleted: AppManager.getReports()
@@ -44,10 +34,12 @@ PListView {
     }
 
     delegate: ReportRow {
+        id: row
+
         enabled: !incomeDetails.visible
         onDetailsRequested: {
             // The panel follows the day, also when the next user's figures take its place.
-            const report = modelData
+            const report = row.modelData
             incomeDetails.model = Qt.binding(() => report.details)
             incomeDetails.show()
         }
@@ -61,9 +53,6 @@ PListView {
         z: 2
         onPullToRefreshReleased: AppManager.getReports()
         // The rows under the panel are enabled again a moment later.
-        onVisibleChanged: {
-            if (!visible && page.activeFocus)
-                Qt.callLater(page.focusCurrentRow)
-        }
+        onVisibleChanged: if (!visible && page.activeFocus) Qt.callLater(page.focusCurrentRow)
     }
 }

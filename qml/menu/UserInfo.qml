@@ -1,16 +1,18 @@
 import QtQuick 2.15
+import Velstrand 1.0
+import ".."
+import "../component"
 import "../Format.js" as Format
 
 Item {
     id: page
 
-    readonly property var user: AppModel.userInfo
+    readonly property UserInfo user: AppModel.userInfo
 
     objectName: "userInfoPage"
 
     Column {
-        anchors.top: parent.top
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: parent.top; horizontalCenter: parent.horizontalCenter }
         width: parent.width - 100
         spacing: 1
 
@@ -24,15 +26,15 @@ Item {
                 qsTr("User type: ") + Format.userType(page.user.userType)
             ]
 
-            delegate: Text {
+            delegate: PlainText {
+                required property string modelData
+                required property int index
+
                 objectName: "userLine" + index
                 width: parent.width
-                height: 50
+                height: QmlDefines.rowHeight
                 padding: 5
-                verticalAlignment: Text.AlignVCenter
                 text: Format.line(modelData)
-                textFormat: Text.PlainText
-                elide: Text.ElideRight
                 font.weight: Font.DemiBold
             }
         }

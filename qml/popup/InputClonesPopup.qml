@@ -1,9 +1,20 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import ".."
 import "../component"
 
-FocusScope {
+Sheet {
     id: root
+
+    component Label: PlainText {
+        anchors.verticalCenter: parent.verticalCenter
+        width: 100
+        height: QmlDefines.lineHeight
+        rightPadding: 5
+        fontSizeMode: Text.HorizontalFit
+        minimumPixelSize: 8
+        elide: Text.ElideNone
+    }
 
     // What was added before is selected, so that the next text replaces it.
     onVisibleChanged: {
@@ -13,12 +24,6 @@ FocusScope {
         }
     }
 
-    Rectangle {
-        anchors.fill: parent
-        color: "white"
-        opacity: 0.98
-    }
-
     Column {
         anchors.centerIn: parent
         width: Math.min(800, parent.width)
@@ -26,17 +31,7 @@ FocusScope {
         Row {
             anchors.horizontalCenter: parent.horizontalCenter
 
-            Text {
-                anchors.verticalCenter: parent.verticalCenter
-                width: 100
-                height: 30
-                rightPadding: 5
-                verticalAlignment: Text.AlignVCenter
-                fontSizeMode: Text.HorizontalFit
-                minimumPixelSize: 8
-                text: qsTr("Select network: ")
-                textFormat: Text.PlainText
-            }
+            Label { text: qsTr("Select network: ") }
 
             OutlineComboBox {
                 id: networkBox
@@ -48,22 +43,9 @@ FocusScope {
                 Accessible.name: qsTr("Select network: ")
             }
 
-            Item {
-                width: 50
-                height: 1
-            }
+            Item { width: 50; height: 1 }
 
-            Text {
-                anchors.verticalCenter: parent.verticalCenter
-                width: 100
-                height: 30
-                rightPadding: 5
-                verticalAlignment: Text.AlignVCenter
-                fontSizeMode: Text.HorizontalFit
-                minimumPixelSize: 8
-                text: qsTr("Select profile: ")
-                textFormat: Text.PlainText
-            }
+            Label { text: qsTr("Select profile: ") }
 
             OutlineComboBox {
                 id: profileBox
@@ -77,21 +59,17 @@ FocusScope {
             }
         }
 
-        Item {
-            width: 1
-            height: 10
-        }
+        Item { width: 1; height: 10 }
 
-        Rectangle {
+        FieldFrame {
             width: parent.width
             height: 400
+            radius: 0
             color: "transparent"
-            border.color: clonesField.activeFocus ? "#4d94ff" : "grey"
-            border.width: 1
+            focused: clonesField.activeFocus
 
             ScrollView {
-                anchors.fill: parent
-                anchors.margins: 1
+                anchors { fill: parent; margins: 1 }
                 clip: true
 
                 TextArea {
@@ -113,10 +91,7 @@ FocusScope {
             }
         }
 
-        Item {
-            width: 1
-            height: 20
-        }
+        Item { width: 1; height: 20 }
 
         PButton {
             objectName: "addButton"

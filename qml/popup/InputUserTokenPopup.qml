@@ -2,19 +2,15 @@ import QtQuick 2.15
 import QtQuick.Controls 2.15
 import "../component"
 
-FocusScope {
+Sheet {
+    veil: 0.8
+
     // The old token is selected, so that what is typed or pasted replaces it.
     onVisibleChanged: {
         if (visible) {
             tokenField.selectAll()
             tokenField.focus = true
         }
-    }
-
-    Rectangle {
-        anchors.fill: parent
-        color: "white"
-        opacity: 0.8
     }
 
     TextField {
@@ -41,9 +37,7 @@ FocusScope {
         id: continueButton
 
         objectName: "continueButton"
-        anchors.top: tokenField.bottom
-        anchors.topMargin: 20
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: tokenField.bottom; topMargin: 20; horizontalCenter: parent.horizontalCenter }
         width: 80
         height: 50
         text: qsTr("Continue")

@@ -1,37 +1,32 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import ".."
 import "../component"
 
-FocusScope {
+Sheet {
     id: root
+
+    veil: 0.8
 
     onVisibleChanged: otherTokenButton.offered = false
 
     // Nothing under the sheet is in the keyboard's reach.
-    Keys.onTabPressed: event.accepted = true
-    Keys.onBacktabPressed: event.accepted = true
+    Keys.onTabPressed: function(event) { event.accepted = true }
+    Keys.onBacktabPressed: function(event) { event.accepted = true }
 
-    Rectangle {
-        anchors.fill: parent
-        color: "white"
-        opacity: 0.8
-    }
-
-    Text {
+    PlainText {
         id: message
 
         anchors.centerIn: parent
         text: qsTr("Validating user info ...")
-        textFormat: Text.PlainText
-        color: "#4da6ff"
+        color: QmlDefines.textColor
     }
 
     BusyIndicator {
         id: busyIndicator
 
         objectName: "busyIndicator"
-        anchors.top: message.bottom
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: message.bottom; horizontalCenter: parent.horizontalCenter }
         running: root.visible
     }
 
@@ -41,9 +36,7 @@ FocusScope {
         property bool offered: false
 
         objectName: "otherTokenButton"
-        anchors.top: busyIndicator.bottom
-        anchors.topMargin: 20
-        anchors.horizontalCenter: parent.horizontalCenter
+        anchors { top: busyIndicator.bottom; topMargin: 20; horizontalCenter: parent.horizontalCenter }
         visible: offered
         text: qsTr("Use another token")
 

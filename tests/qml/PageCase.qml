@@ -23,9 +23,10 @@ TestCase {
 
     when: windowShown
 
+    /// The item of that name in the window or in another item; "row/cell" is the cell in the row.
     function find(name, within) {
         verify(within !== null, "there is something to find " + name + " in")
-        return Scene.find(within || window, name)
+        return name.split("/").reduce((item, part) => item && Scene.find(item, part), within || window)
     }
 
     /// The text of the item of that name.
@@ -42,6 +43,13 @@ TestCase {
     function type(letters) {
         for (const letter of letters)
             keyClick(letter)
+    }
+
+    /// No modifiers with the letter: for those the test would press another Control.
+    function pressControl(key) {
+        keyPress(Qt.Key_Control, Qt.ControlModifier)
+        keyClick(key)
+        keyRelease(Qt.Key_Control)
     }
 
     function open(row) {

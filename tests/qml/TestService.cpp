@@ -105,6 +105,7 @@ void TestService::reset()
 {
     m_fixture->clearFaults();
     m_fixture->setLatency(0);
+    m_engine->setIncubationController(m_windowsBuilder);
 
     AppModel* const model = AppModel::instance();
     model->userInfo()->setToken(QString());
@@ -126,11 +127,17 @@ void TestService::settle()
 {
     QThreadPool::globalInstance()->waitForDone(5000);
     QCoreApplication::sendPostedEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 int TestService::objectBalance() const
 {
     return ::objectBalance;
+}
+
+void TestService::holdBuilding()
+{
+    m_engine->setIncubationController(&m_builder);
 }
 
 void TestService::holdKey(int key)
@@ -152,6 +159,8 @@ QString TestService::clipboardText() const
 
 void TestService::watch(QQmlEngine* engine)
 {
+    m_engine = engine;
+    m_windowsBuilder = engine->incubationController();
     connect(engine, &QQmlEngine::warnings, this, [this](const QList<QQmlError>& warnings) {
         for (const QQmlError& warning : warnings)
             m_warnings.append(warning.toString());

@@ -3,6 +3,7 @@
 #include "tests/support/ServiceFixture.h"
 
 #include <QObject>
+#include <QQmlIncubationController>
 #include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
@@ -11,6 +12,8 @@ class QQmlEngine;
 
 /// The development service as the scene's tests see it, under the name Service: its farm as plain JavaScript
 /// values, what it was asked, what it does wrong; and what a test cannot see from within QML.
+// clazy:excludeall=qproperty-without-notify
+// Tests read the members when they need them; nothing binds to them.
 class TestService : public QObject
 {
     Q_OBJECT
@@ -53,13 +56,16 @@ public:
     /// Back to the first minute: the sample farm without faults, nobody signed in, no farm and no
     /// configuration in the model, no stored token, no clipboard, no warnings.
     Q_INVOKABLE void reset();
-    /// Waits for the jobs that are under way and for what they have delivered.
+    /// Waits for the jobs that are under way, for what they have delivered and for what is to be deleted.
     Q_INVOKABLE void settle();
     /// Warnings of the QML engine since reset().
     Q_INVOKABLE QStringList warnings() const { return m_warnings; }
-    /// Objects made since the start of the run less those that are gone, of the scene, the model and all
-    /// else.
+    /// Objects made since the start of the run less those that are gone, of the scene and all else.
     Q_INVOKABLE int objectBalance() const;
+    /// Until reset(), what views build in the background is built by buildPart() only, bit by bit.
+    Q_INVOKABLE void holdBuilding();
+    Q_INVOKABLE bool building() const { return m_builder.incubatingObjectCount() > 0; }
+    Q_INVOKABLE void buildPart() { m_builder.incubateFor(0); }
     /// What the window that has the keyboard gets while @p key is held down: a press, then repeats.
     Q_INVOKABLE void holdKey(int key);
     Q_INVOKABLE QString clipboardText() const;
@@ -70,6 +76,9 @@ private:
     template <class Change>
     void changeFarm(Change change);
 
+    QQmlEngine* m_engine = nullptr;
+    QQmlIncubationController* m_windowsBuilder = nullptr;
+    QQmlIncubationController m_builder;
     ServiceFixture m_fixture;
     devservice::Farm m_sampleFarm;
     QStringList m_warnings;

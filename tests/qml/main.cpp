@@ -1,5 +1,6 @@
 #include "app/AppIO.h"
 #include "app/Application.h"
+#include "app/QmlTypes.h"
 #include "models/AppModel.h"
 #include "tests/qml/TestService.h"
 
@@ -18,6 +19,7 @@ public slots:
     {
         // First of all: the controller reads the service's address from the environment.
         auto* const application = qobject_cast<QGuiApplication*>(QCoreApplication::instance());
+        registerQmlTypes();
         m_service = new TestService(application);
         m_controller = new Application(application);
         m_io = new AppIO(application);

@@ -28,9 +28,11 @@ PageCase {
     function test_apply_data() {
         return [
             { tag: "nothing", edits: {}, changed: {} },
-            { tag: "versions", edits: { androidAppVersion: "113", definitionsVersion: "28" },
-              changed: { velstrand_android_app_version: "113", velstrand_definition_version: "28" } },
-            { tag: "path", edits: { androidAppPath: "https://x/b c" }, changed: { velstrand_android_app_path: "https://x/b c" } },
+            { tag: "all", edits: { androidAppVersion: "113", androidAppPath: "https://x/b c", facebookAppVersion: "432",
+                                   managerAppVersion: "17", managerAppPath: "https://x/m", definitionsVersion: "28" },
+              changed: { velstrand_android_app_version: "113", velstrand_android_app_path: "https://x/b c",
+                         facebook_app_version: "432", velstrand_manager_app_version: "17",
+                         velstrand_manager_app_path: "https://x/m", velstrand_definition_version: "28" } },
             { tag: "emptied fields", edits: { facebookAppVersion: "", managerAppPath: "" }, changed: {} }
         ]
     }
@@ -45,7 +47,7 @@ PageCase {
         compare(post("config/update-global").length, 1)
         compare(Service.globalConfig, expected)
         Service.settle()
-        tryVerify(() => text("editor", find("facebookAppVersion")) === "431")
+        tryVerify(() => text("editor", find("facebookAppVersion")) === expected.facebook_app_version)
     }
 
     function test_upload() {

@@ -76,7 +76,6 @@ PageCase {
                         "4,103,facebook,dev-c,stored,like_page", "6,105,facebook,,unknown,none"])
         compare(text("farmProfile", row(1)), Service.clones[1].farm_profile)
         compare([0, 1, 2, 3, 4, 5].map(column => find("filter" + column).enabled), [true, false, true, true, false, true])
-        compare([row(0).height, find("rowBackground", row(0)).height], [50, 48])
         compare(selection(), [])
     }
 
@@ -84,9 +83,7 @@ PageCase {
         const profiles = Object.keys(Service.user(Service.adminToken).farm_profiles)
         return [
             { tag: "uids, blank lines, blanks", filters: { 0: "\n 104 \n\n100\r\n" }, expected: [1, 5] },
-            { tag: "device", filters: { 2: "dev-a" }, expected: [1, 3] },
             { tag: "status words", filters: { 3: "live\nstored" }, expected: [1, 4, 5] },
-            { tag: "profile", filters: { 5: profiles[1] }, expected: [2, 3] },
             { tag: "all four", filters: { 0: "100\n104\n101", 2: "dev-b\ndev-a", 3: "live", 5: profiles[0] },
               expected: [1, 5] },
             { tag: "none passes all", filters: { 0: "100", 2: "dev-b" }, expected: [] }
@@ -98,9 +95,7 @@ PageCase {
             setFilter(column, data.filters[column])
         verifyNumbers(data.expected)
         const note = find("emptyNote")
-        compare(note.visible, data.expected.length === 0)
-        if (note.visible)
-            compare(note.text, "No clones pass the filter")
+        compare([note.visible, note.text], [data.expected.length === 0, "No clones pass the filter"])
         for (const column in data.filters)
             setFilter(column, "")
         verifyNumbers([1, 2, 3, 4, 5, 6])
@@ -115,6 +110,13 @@ PageCase {
         verifyNumbers([1, 3, 6])
         setFilter(2, "")
         tryCompare(AppModel, "totalFilteredClones", 7)
+    }
+
+    function test_filterOutlivesThePage() {
+        setFilter(2, "dev-b")
+        open(0)
+        open(2)
+        compare(AppModel.totalFilteredClones, 2)
     }
 
     function test_pasteOfTenThousandLines() {
@@ -147,13 +149,10 @@ PageCase {
         setFilter(3, "live")
         verifyNumbers([1, 5])
         find("cloneView").forceActiveFocus()
-        // No modifiers with the letters: for those the test would press another Control.
-        keyPress(Qt.Key_Control, Qt.ControlModifier)
-        keyClick(Qt.Key_A)
+        pressControl(Qt.Key_A)
         compare(selection(), [0, 4])
         setFilter(3, "")
-        keyClick(Qt.Key_C)
-        keyRelease(Qt.Key_Control)
+        pressControl(Qt.Key_C)
         compare(Service.clipboardText(), "100\n104\n")
         compare(selection(), [0, 4])
 
@@ -172,14 +171,14 @@ PageCase {
         }
         compare(copy("status"), ["", false])
         compare(copy("uid"), ["102", true])
+        const since = Date.now()
         compare(copy("deviceId"), ["dev-a", true])
         const badge = find("copiedBadge", row(2))
         const cell = find("deviceId", row(2))
         compare([badge.item.x, badge.item.y, badge.item.width, badge.item.height],
                 [cell.x + cell.width / 4, 48, cell.width / 2, 20])
-        const since = Date.now()
         tryCompare(badge, "active", false)
-        verify(Date.now() - since > 700)
+        verify(Date.now() - since > 900)
     }
 
     function test_scrolledListStays() {
@@ -196,6 +195,8 @@ PageCase {
         find("inputClonesPopup").visible = true
         find("inputClonesPopup").visible = false
         compare([view.currentIndex, view.contentY], [30, 1500])
+        setFilter(3, "live")
+        compare([view.currentIndex, view.contentY], [-1, 0])
     }
 
     function test_toolBoxOpensOnHold() {
@@ -269,6 +270,8 @@ PageCase {
         const profile = find("profileBox", popup)
         const add = find("addButton", popup)
         verify(popup.visible && field.activeFocus)
+        pressControl(Qt.Key_A)
+        verify(!AppModel.cloneList[0].selected)
         compare([network.currentText, profile.currentIndex, add.enabled], ["none", 0, false])
         field.text = "900|secret|2fa\nno bar\n901|other"
         verify(!add.enabled)
@@ -285,17 +288,25 @@ PageCase {
                 [["900", "secret", "2fa", "tiktok", profile.currentText], ["901", "other", "", "tiktok", profile.currentText]])
     }
 
-    function test_keyboardReachesEverything() {
-        openToolBox()
+    function test_keyboardReachesWhatShows_data() {
+        const always = ["filter0", "filter2", "filter3", "filter5", "cloneRow0", "expandButton"]
+        return [
+            { tag: "closed", open: false, reached: always.concat("userBlock") },
+            { tag: "open", open: true,
+              reached: always.concat("addButton", "deleteButton", "resetButton", "profileBox", "selectAll", "userBlock") }
+        ]
+    }
+
+    function test_keyboardReachesWhatShows(data) {
+        if (data.open)
+            openToolBox()
         find("filter0").forceActiveFocus(Qt.TabFocusReason)
         const reached = []
-        for (let i = 0; i < 14; ++i) {
+        while (reached.length < 20 && !reached.includes("userBlock")) {
             reached.push(window.activeFocusItem.objectName)
             keyClick(Qt.Key_Tab)
         }
-        for (const name of ["filter0", "filter2", "filter3", "filter5", "cloneRow0", "expandButton", "addButton",
-                            "deleteButton", "resetButton", "profileBox", "selectAll"])
-            verify(reached.includes(name), name + " of " + reached)
+        compare(reached.filter(name => name !== "cloneView" && name !== "check"), data.reached)
     }
 
     function test_hostileTexts() {

@@ -86,6 +86,7 @@ Item {
             for (const [pulled, refreshes] of [[100, 0], [101, 1]]) {
                 list.contentY = -pulled
                 compare([indicator.height, indicator.visible], [pulled, refreshes > 0])
+                verify(Scene.search(indicator, item => item.text === "Pull to refresh" && item.font.pixelSize === 15))
                 list.dragEnded()
                 compare(heard.count, refreshes)
             }
@@ -98,13 +99,8 @@ Item {
         }
 
         function test_placeOverReplacement_data() {
-            return [
-                { tag: "same length", count: 200, y: 1000, index: 25 },
-                { tag: "longer", count: 5000, y: 1000, index: 25 },
-                { tag: "shorter", count: 24, y: 800, index: 23 },
-                { tag: "fits the view", count: 3, y: 0, index: 2 },
-                { tag: "empty", count: 0, y: 0, index: -1 }
-            ]
+            return [[200, 1000, 25], [5000, 1000, 25], [24, 800, 23], [3, 0, 2], [0, 0, -1]]
+                .map(([count, y, index]) => ({ tag: count + " rows", count: count, y: y, index: index }))
         }
 
         function test_placeOverReplacement(row) {
@@ -114,8 +110,10 @@ Item {
             tryCompare(list, "keptY", 1000)
             list.model = rows(row.count)
             compare([list.contentY - list.originY, list.currentIndex], [row.y, row.index])
-            // Nothing scrolls on afterwards.
-            wait(0)
+            // Nothing scrolls on once the event loop has come round.
+            let turned = false
+            Qt.callLater(() => turned = true)
+            tryVerify(() => turned)
             compare([list.contentY - list.originY, list.currentIndex], [row.y, row.index])
         }
 

@@ -90,9 +90,12 @@ PageCase {
         setPercent(alpha, 2, "45")
         find("enable", action(alpha, 4)).forceActiveFocus(Qt.TabFocusReason)
         keyClick(Qt.Key_Space)
+        click("enable", action(alpha, 6))
+        find("actionName", action(alpha, 6)).text = "renamed"
         compare(stored().Alpha.facebook_watch, undefined)
         save(alpha)
-        compare(stored().Alpha, { facebook_watch: 45, facebook_add_suggest_friend: 0, facebook_share_create_profile_page: 0 })
+        compare(stored().Alpha, { facebook_watch: 45, facebook_add_suggest_friend: 0, renamed: 0,
+                                  facebook_share_create_profile_page: 0 })
         compare(stored().Beta, {})
         tryVerify(() => row(0) !== alpha && row(0).expanded)
         compare(shown(row(0))[2], "facebook_watch+45")
@@ -127,11 +130,8 @@ PageCase {
     }
 
     function test_percentField_data() {
-        return [
-            { tag: "00", typed: "00", shown: "0" }, { tag: "05", typed: "05", shown: "05" },
-            { tag: "100", typed: "100", shown: "100" }, { tag: "above", typed: "101", shown: "10" },
-            { tag: "letters", typed: "1x2", shown: "12" }, { tag: "empty", typed: "", shown: "" }
-        ]
+        return [["00", "0"], ["05", "05"], ["100", "100"], ["101", "10"], ["1x2", "12"], ["", ""]]
+            .map(([typed, shown]) => ({ tag: typed || "empty", typed: typed, shown: shown }))
     }
 
     function test_percentField(data) {
@@ -173,19 +173,5 @@ PageCase {
         verify(Service.warnings()[0].includes("tabIndex is not defined"))
         compare(find("tabStrip").currentIndex, 0)
         compare(find("tabContent").item.objectName, "farmProfileSettings")
-    }
-
-    function test_hostileNames() {
-        const profiles = {}
-        for (const { text } of hostileTexts)
-            profiles[text] = { facebook_feed: 1 }
-        setProfiles(profiles)
-        AppManager.checkUser()
-        tryCompare(find("profileView"), "count", hostileTexts.length)
-        for (let index = 0; index < hostileTexts.length; ++index) {
-            find("profileView").positionViewAtIndex(index, ListView.Contain)
-            compare(openRow(index).height, 650)
-            compare(find("profileName", row(index)).width, 200)
-        }
     }
 }

@@ -48,17 +48,12 @@ PageCase {
         compare(text("income", row(0)), "Estimated income: 190 vnd")
         compare(text("income", row(2)), "Estimated income: 1.000.000 vnd")
         compare([0, 1].map(index => find("noData", row(index)).visible), [false, true])
+        compare(text("noData", row(1)), "No data")
         compare([find("summary", row(1)).opacity, find("summary", row(1)).enabled], [0, false])
     }
 
-    function test_nameColumn_data() {
-        return [{ tag: "long", name: "a_rather_long_name_of_a_job_type_1" }, { tag: "megabyte", name: "w".repeat(1 << 20) }]
-    }
-
-    function test_nameColumn(data) {
-        const reports = {}
-        reports[day(0)] = { total: { zz: 5 }, device_details: {} }
-        reports[day(0)].total[data.name] = 4
+    function test_nameColumn() {
+        const reports = { [day(0)]: { total: { zz: 5, ["w".repeat(1 << 20)]: 4 }, device_details: {} } }
         Service.reports = reports
         page.pullToRefreshReleased()
         tryVerify(() => text("income", row(0)).includes(" 0 "))
@@ -69,6 +64,10 @@ PageCase {
         verify(names[0].width > 200)
         compare(names[0].width, Math.min(names[0].implicitWidth, jobs.width - 100))
         verify(find("value", jobs.itemAtIndex(1)).x + 20 < jobs.width)
+        reports[day(0)].total = { zz: 5 }
+        Service.reports = reports
+        page.pullToRefreshReleased()
+        tryVerify(() => jobs.count === 1 && jobs.itemAtIndex(0) && find("name", jobs.itemAtIndex(0)).width === 200)
     }
 
     function test_detailsPanel() {

@@ -21,6 +21,7 @@ PageCase {
     function test_windowIsAsAnnounced() {
         compare(window.title, "Velstrand Manager v" + AppManager.appVersion)
         compare([window.width, window.height], [1280, 720])
+        compare(post("user/get-info").length, 1)
         compare(Array.from(window.contentItem.children).map(item => item.objectName).filter(name => name !== ""),
                 ["mainMenu", "mainContent", "mainHeader", "inputUserTokenPopup", "validateUserPopup", "notificationsBar"])
         const menu = find("mainMenu")
@@ -155,10 +156,7 @@ PageCase {
         keyClick(Qt.Key_Return)
         Service.settle()
         compare(post("clone/add").length, 1)
-        const left = window.activeFocusItem
-        verify(left !== window.contentItem && left.visible)
-        keyClick(Qt.Key_Tab)
-        verify(window.activeFocusItem !== left)
+        verifyFocus("cloneRow0")
     }
 
     function test_clonePageKeysEndAtTheOverlay() {
@@ -167,9 +165,7 @@ PageCase {
         AppIO.sendToClibboard("kept")
         AppModel.userInfo.token = ""
         verify(find("tokenField").activeFocus)
-        keyPress(Qt.Key_Control, Qt.ControlModifier)
-        keyClick(Qt.Key_C)
-        keyRelease(Qt.Key_Control)
+        pressControl(Qt.Key_C)
         compare(Service.clipboardText(), "kept")
     }
 
@@ -195,6 +191,14 @@ PageCase {
         tryCompare(panel, "visible", false)
 
         find("userBlock").forceActiveFocus()
+        for (const leave of [() => {}, () => keyClick(Qt.Key_Tab)]) {
+            keyClick(Qt.Key_Space)
+            tryCompare(panel, "height", 120)
+            leave()
+            keyClick(Qt.Key_Escape)
+            tryCompare(panel, "visible", false)
+            verify(find("userBlock").activeFocus)
+        }
         keyClick(Qt.Key_Space)
         tryCompare(panel, "visible", true)
         keyClick(Qt.Key_Tab)
@@ -239,8 +243,8 @@ PageCase {
         hideTimer.interval = 1200
         AppManager.pushNotification(2, "first")
         tryCompare(bar, "y", 0)
-        AppManager.pushNotification(0, "second")
         const since = Date.now()
+        AppManager.pushNotification(0, "second")
         compare(text("notificationText"), "second")
         tryVerify(() => bar.y < -1)
         verify(Date.now() - since >= 1100, "hidden after " + (Date.now() - since) + " ms")

@@ -1,0 +1,28 @@
+import QtQuick 2.15
+import QtQuick.Controls 2.15
+import ".."
+
+/// What all buttons share: Return presses them too, a key that is held down presses once, also Space, which
+/// clicks when it is released, and a ring tells which one the keyboard drives.
+Button {
+    id: root
+
+    property color fillColor: "transparent"
+    property bool outlined: false
+    property real radius: QmlDefines.controlRadius
+
+    Keys.onReturnPressed: function(event) { if (!event.isAutoRepeat) clicked() }
+    Keys.onEnterPressed: function(event) { if (!event.isAutoRepeat) clicked() }
+    Keys.onReleased: function(event) { event.accepted = event.isAutoRepeat }
+
+    background: Rectangle {
+        implicitWidth: 100
+        implicitHeight: 40
+        radius: root.radius
+        color: root.fillColor
+        border.color: QmlDefines.buttonBorderColor
+        border.width: root.outlined ? 1 : 0
+
+        FocusFrame { visible: root.visualFocus }
+    }
+}
