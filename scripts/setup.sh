@@ -8,7 +8,7 @@ cd "$top"
 say() { printf '== %s\n' "$*"; }
 
 packages=(
-    cmake ninja-build g++ pkg-config
+    cmake ninja-build g++
     qtbase5-dev qtdeclarative5-dev qtdeclarative5-dev-tools qtquickcontrols2-5-dev qttools5-dev qttools5-dev-tools
     qml-module-qtquick2 qml-module-qtquick-window2 qml-module-qtquick-controls qml-module-qtquick-controls2
     qml-module-qtquick-templates2 qml-module-qtquick-layouts qml-module-qtquick-dialogs

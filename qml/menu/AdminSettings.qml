@@ -38,6 +38,7 @@ Item {
         enabled: !uploadSheet.visible
 
         Repeater {
+            // "verion": the spelling is part of the interface; kept.
             model: [
                 { name: "androidAppVersion", key: "vsAndroidAppVersion", label: qsTr("VS android app verion: ") },
                 { name: "androidAppPath", key: "vsAndroidAppPath", label: qsTr("VS android app path: ") },
