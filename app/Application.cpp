@@ -16,6 +16,8 @@
 #include <QPointer>
 #include <QtConcurrent>
 
+#include <utility>
+
 namespace {
 
 constexpr int kJobsAtOnce = 16;
@@ -48,7 +50,7 @@ struct Application::Job {
     template <typename Handler>
     void deliver(Handler handler) const
     {
-        const auto call = [app = controller, handler] {
+        const auto call = [app = controller, handler = std::move(handler)] {
             if (app)
                 handler(app.data());
         };
@@ -59,7 +61,7 @@ struct Application::Job {
     template <typename Handler>
     void deliverForToken(Handler handler) const
     {
-        deliver([asked = token, handler](Application* app) {
+        deliver([asked = token, handler = std::move(handler)](Application* app) {
             if (currentToken() == asked)
                 handler(app);
         });

@@ -40,7 +40,7 @@ void requireShape(const QJsonValue& value, const QJsonValue& shape, const QStrin
     }
     requireMembers(value.toObject(), shape.toObject(), where);
     const QJsonArray entries = value.toArray();
-    for (const QJsonValue entry : entries) {
+    for (const QJsonValue& entry : entries) {
         requireShape(entry, shape[0], "an entry of " + where);
     }
 }

@@ -175,7 +175,7 @@ Answer Contract::getReports(const QJsonObject& body)
     const QString format = "yyyy-M-d";
     QJsonObject reports;
     const QJsonArray dates = body.value("date_list").toArray();
-    for (const QJsonValue date : dates) {
+    for (const QJsonValue& date : dates) {
         const QString text = date.toString();
         if (text.isEmpty() || QDate::fromString(text, format).toString(format) != text) {
             throw Refusal{400, "date_list holds something else than a date like 2024-3-1: " + text};

@@ -68,7 +68,7 @@ Answer Contract::cloneList(const QJsonObject& body)
     const QJsonValue androidId = body["android_id"];
     if (!androidId.toString().isEmpty()) {
         QJsonArray clones;
-        for (const QJsonValue clone : qAsConst(m_farm.clones)) {
+        for (const QJsonValue& clone : qAsConst(m_farm.clones)) {
             if (clone["device_id"] == androidId) {
                 clones.append(clone);
             }
@@ -88,20 +88,20 @@ Answer Contract::addClones(const QJsonObject& body)
         throw Refusal{400, "unknown network: " + network.toString()};
     }
     QSet<QString> uids;
-    for (const QJsonValue clone : qAsConst(m_farm.clones)) {
+    for (const QJsonValue& clone : qAsConst(m_farm.clones)) {
         if (clone["network"] == network) {
             uids.insert(clone["uid"].toString());
         }
     }
     const QJsonArray given = body["clones"].toArray();
-    for (const QJsonValue clone : given) {
+    for (const QJsonValue& clone : given) {
         const QString uid = requireText(clone["uid"], "uid");
         if (uids.contains(uid)) {
             throw Refusal{409, "there is a clone with this uid already: " + uid};
         }
         uids.insert(uid);
     }
-    for (const QJsonValue clone : given) {
+    for (const QJsonValue& clone : given) {
         QJsonObject added = clone.toObject();
         added.insert("id", QUuid::createUuid().toString(QUuid::WithoutBraces));
         added.insert("network", network);
@@ -125,7 +125,7 @@ QVector<int> Contract::cloneIndexes(const QJsonObject& body) const
 {
     QSet<QString> wanted;
     const QJsonArray named = body["clones"].toArray();
-    for (const QJsonValue clone : named) {
+    for (const QJsonValue& clone : named) {
         wanted.insert(clone["id"].toString());
     }
     QVector<int> indexes;
@@ -142,7 +142,8 @@ QVector<int> Contract::cloneIndexes(const QJsonObject& body) const
 
 void Contract::setOnClones(const QJsonObject& body, const QString& key, const QJsonValue& value)
 {
-    for (const int index : cloneIndexes(body)) {
+    const QVector<int> indexes = cloneIndexes(body);
+    for (const int index : indexes) {
         QJsonObject clone = m_farm.clones.at(index).toObject();
         clone.insert(key, value);
         m_farm.clones.replace(index, clone);

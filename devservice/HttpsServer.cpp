@@ -2,6 +2,8 @@
 
 #include "devservice/Certificate.h"
 
+#include <QScopeGuard>
+
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/ssl.hpp>
 #include <boost/asio/write.hpp>
@@ -9,10 +11,10 @@
 #include <boost/beast/http.hpp>
 
 #include <fcntl.h>
+#include <sys/socket.h>
 
 #include <algorithm>
 #include <list>
-#include <optional>
 #include <sstream>
 
 namespace asio = boost::asio;
@@ -58,11 +60,7 @@ public:
     bool hasEnded() const { return m_thread.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
 
     /// Ends the connection, which the client and the thread notice at once. Any thread.
-    void end()
-    {
-        beast::error_code ignored;
-        m_stream.next_layer().shutdown(tcp::socket::shutdown_both, ignored);
-    }
+    void end() { ::shutdown(m_stream.next_layer().native_handle(), SHUT_RDWR); }
 
     QString header(const char* name) const override { return text(m_parser->get()[name]); }
     QByteArray readSome() override;
@@ -70,37 +68,37 @@ public:
     bool send(const Answer& answer, Part part) override;
 
 private:
+    using Parser = http::request_parser<http::buffer_body>;
+
     void serve();
     bool serveRequest();
 
     HttpsServer& m_server;
     asio::ssl::stream<tcp::socket> m_stream;
     beast::flat_buffer m_buffer;
-    std::optional<http::request_parser<http::buffer_body>> m_parser;
+    /// A new one for each request.
+    std::unique_ptr<Parser> m_parser;
     /// Last, so that the thread has ended before anything that it uses goes.
     std::future<void> m_thread;
 };
 
 void HttpsServer::Connection::serve()
 {
-    try {
-        m_stream.next_layer().set_option(tcp::no_delay(true));
-        wait(2 * m_server.m_latencyMs);
-        m_stream.handshake(asio::ssl::stream_base::server);
-        while (serveRequest()) {
-        }
-        // Nothing more is read, so that the TLS close does not wait for the client's.
-        m_stream.next_layer().shutdown(tcp::socket::shutdown_receive);
-        m_stream.shutdown();
-    } catch (const std::exception&) {
-        // The connection has ended, or the server stops.
+    // What is thrown, because the client has left or the server stops, ends the thread: the future takes it.
+    const auto atEnd = qScopeGuard([this] { end(); });
+    m_stream.next_layer().set_option(tcp::no_delay(true));
+    wait(2 * m_server.m_latencyMs);
+    m_stream.handshake(asio::ssl::stream_base::server);
+    while (serveRequest()) {
     }
-    end();
+    // Nothing more is read, so that the TLS close does not wait for the client's.
+    m_stream.next_layer().shutdown(tcp::socket::shutdown_receive);
+    m_stream.shutdown();
 }
 
 bool HttpsServer::Connection::serveRequest()
 {
-    m_parser.emplace();
+    m_parser = std::make_unique<Parser>();
     m_parser->body_limit(largestBody);
     beast::error_code error;
     http::read_header(m_stream, m_buffer, *m_parser, error);

@@ -32,6 +32,8 @@ struct Request {
 class Exchange
 {
 public:
+    virtual ~Exchange() = default;
+
     /// Without the body, which is still to be read.
     Request request;
 
@@ -47,9 +49,6 @@ public:
     enum Part { Whole, FirstHalf, Nothing };
     /// Sends the answer when a round trip has passed; true when it was sent whole.
     virtual bool send(const Answer& answer, Part part) = 0;
-
-protected:
-    ~Exchange() = default;
 };
 
 /// An HTTPS server on the loopback address with a thread for each connection.

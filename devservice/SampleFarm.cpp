@@ -112,7 +112,7 @@ QJsonObject makeReport(QRandomGenerator& random, const QJsonArray& devices)
                                      "facebook_post_like_type_1", "tiktok_follow_type_1"};
     QJsonObject details;
     QJsonObject total;
-    for (const QJsonValue device : devices) {
+    for (const QJsonValue& device : devices) {
         if (random.bounded(10) == 0) {
             continue;
         }

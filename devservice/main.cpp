@@ -124,7 +124,7 @@ int main(int argc, char* argv[])
         parser.showHelp();
     }
     if (!parser.positionalArguments().isEmpty()) {
-        failUsage("unexpected argument: " + parser.positionalArguments().first());
+        failUsage("unexpected argument: " + parser.positionalArguments().constFirst());
     }
 
     QVector<QPair<QString, Fault>> faults;

@@ -27,6 +27,7 @@ public:
     {
         return Attempt([&] {
             RequireValid(data->IsValid());
+            // NOLINTNEXTLINE(clang-analyzer-cplusplus.Move): not reached for a moved-from response
             data->bytes = m_body;
         });
     }

@@ -47,6 +47,12 @@ MimePtr Multipart::Build(CURL* easy)
     return mime;
 }
 
+std::string Multipart::ReadError() const
+{
+    return m_cutShort ? "The file " + m_cutShort->path.u8string() + " could not be read to its end"
+                      : std::string();
+}
+
 std::size_t Multipart::Read(char* buffer, std::size_t size, std::size_t count, void* argument) noexcept
 {
     auto& file = *static_cast<File*>(argument);
@@ -56,12 +62,7 @@ std::size_t Multipart::Read(char* buffer, std::size_t size, std::size_t count, v
     file.stream.read(buffer, static_cast<std::streamsize>(wanted));
     const auto got = static_cast<std::size_t>(file.stream.gcount());
     if (got == 0) {
-        try {
-            file.form->m_readError =
-                "The file " + file.part->path.u8string() + " could not be read to its end";
-        } catch (...) {
-            // The transfer ends all the same, with libcurl's words.
-        }
+        file.form->m_cutShort = file.part;
         return CURL_READFUNC_ABORT;
     }
     file.left -= got;

@@ -27,7 +27,7 @@ public:
     MimePtr Build(CURL* easy);
 
     /// Why the form could not be read to its end; empty while all is well.
-    const std::string& ReadError() const { return m_readError; }
+    std::string ReadError() const;
 
 private:
     struct File {
@@ -42,7 +42,8 @@ private:
     const HttpRequest& m_request;
     /// A list, since libcurl holds pointers to the elements.
     std::list<File> m_files;
-    std::string m_readError;
+    /// What could not be read to its end.
+    const HttpRequest::FilePart* m_cutShort = nullptr;
 };
 
 } // namespace toolkit

@@ -23,8 +23,6 @@ public:
     void Dispose() { Self released(std::move(static_cast<Self&>(*this))); }
 
 protected:
-    Object() = default;
-    Object(Object&& other) noexcept { *this = std::move(other); }
     Object& operator=(Object&& other) noexcept
     {
         m_valid = std::exchange(other.m_valid, false);
@@ -57,6 +55,11 @@ protected:
     }
 
 private:
+    // Of the class that Self names, and of no other that derives by mistake.
+    friend Self;
+    Object() = default;
+    Object(Object&& other) noexcept { *this = std::move(other); }
+
     bool m_valid = true;
     std::string m_lastError;
 };

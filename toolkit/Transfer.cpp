@@ -334,7 +334,7 @@ std::string Transfer::FailureWords(CURLcode code) const
         return m_fault;
     if (m_options.form && !m_options.form->ReadError().empty())
         return m_options.form->ReadError();
-    const std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
+    std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
     switch (code) {
     case CURLE_OK:
         if (Status() < 200)
