@@ -190,8 +190,10 @@ void TestApplication::storedToken_data()
 void TestApplication::storedToken()
 {
     QFETCH(QString, stored);
-    if (!stored.isEmpty())
-        settings().setValue("user_token", stored);
+    if (!stored.isEmpty()) {
+        QSettings kept = settings();
+        kept.setValue("user_token", stored);
+    }
     const LogCapture log;
     m_app.reset();
     m_app = std::make_unique<Application>(nullptr);
@@ -199,7 +201,7 @@ void TestApplication::storedToken()
     QVERIFY(!model().userInfo()->isValidated());
     const QRegularExpression form(
         QStringLiteral("^\\[D\\]\\[ loadUserInfo \\]\\[ \\d+ \\] userToken:  \"%1\"$")
-            .arg(QRegularExpression::escape(QString(stored).replace('"', "\\\""))));
+            .arg(QRegularExpression::escape(stored.split('"').join("\\\""))));
     QVERIFY2(log.lines().filter(form).size() == 1, qPrintable(log.lines().join('\n')));
 }
 
@@ -272,8 +274,8 @@ void TestApplication::missingDefinitions()
     QCOMPARE(notifications(), QStringList{"2 Upload definitions falure!"});
     QVERIFY(service().requests().isEmpty());
     QCOMPARE(log.lines().filter(QRegularExpression("^\\[D\\]\\[ uploadDefinition ")).size(), 2);
-    QVERIFY(log.lines()[0].endsWith("] ver:  5  file:  \"/none/such\""));
-    QVERIFY(log.lines().last().contains("] error:  \""));
+    QVERIFY(log.lines().constFirst().endsWith("] ver:  5  file:  \"/none/such\""));
+    QVERIFY(log.lines().constLast().contains("] error:  \""));
     m_app->uploadDefinition(5, QCoreApplication::applicationFilePath());
     QCOMPARE(service().farm().definitionsVersion, 5);
 }

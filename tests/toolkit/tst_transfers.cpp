@@ -171,7 +171,7 @@ private slots:
     {
         QTest::addColumn<Spoil>("spoil");
         QTest::addColumn<QString>("domain");
-        const auto row = [](const char* name, Spoil spoil, const char* domain = "localhost") {
+        const auto row = [](const char* name, const Spoil& spoil, const char* domain = "localhost") {
             QTest::newRow(name) << spoil << QString(domain);
         };
         row("header", [](HttpRequest& r) { r.AddHeader("token", "a\r\nX: y"); });
