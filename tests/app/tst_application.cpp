@@ -54,36 +54,479 @@ class TestApplication : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        service().setFarm(m_farm);
+        settings().remove("user_token");
+        QThreadPool::globalInstance()->setMaxThreadCount(1); // as a small machine has it
+        m_app = std::make_unique<Application>(nullptr);
+        m_notified = std::make_unique<QSignalSpy>(m_app.get(), &Application::pushNotification);
+    }
 
-    void interfaceOrder();
-    void storedToken_data();
-    void storedToken();
-    void rejectedToken_data();
-    void rejectedToken();
-    void lateAnswerAboutAnotherToken();
-    void renamedToken();
-    void missingDefinitions();
-    void hangingService();
-    void anotherAccountSeesItsOwnFarm();
-    void lists();
-    void failedLists();
-    void changes_data();
-    void changes();
-    void savingTakesTheValuesOfTheMoment();
-    void importSendsOnlyWholeLines();
-    void globalSettings();
-    void reports();
-    void copyUids();
-    void versionCheck();
-    void closingWithJobsInFlight();
-    void noCheckAfterAnUpdate();
+    void cleanup()
+    {
+        settle();
+        m_notified.reset();
+        m_app.reset();
+        service().clearFaults();
+        service().setLatency(0);
+        service().clearRequests();
+        model().clearFarm();
+    }
+
+    void interfaceOrder()
+    {
+        QStringList names, properties;
+        const QMetaObject& meta = Application::staticMetaObject;
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+            names.append(QString::fromLatin1(meta.method(i).methodSignature()));
+        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i)
+            properties.append(QLatin1String(meta.property(i).name()));
+        QCOMPARE(names, QStringList({"getUserInfo(QVariant)",
+                                     "getDeviceListDone(QVariantList)",
+                                     "getCloneListDone(QVariantList)",
+                                     "getGlobalConfig(QString)",
+                                     "pushNotification(int,QString)",
+                                     "checkUser()",
+                                     "loadAllCachedUsers()",
+                                     "getDeviceList()",
+                                     "confirmSelectedDevice(QObject*)",
+                                     "deleteSelectedDevice(QObject*)",
+                                     "saveDeviceConfig(QObject*)",
+                                     "getCloneList()",
+                                     "updateFarmProfile(QString)",
+                                     "resetSelectedClone()",
+                                     "deleteSelectedClone()",
+                                     "addClone(QString,QString,QString)",
+                                     "uploadDefinition(int,QString)",
+                                     "saveProfileSettings(QObject*)",
+                                     "applyGlobalSetting(int,QString,int,int,QString,int)",
+                                     "getReports()",
+                                     "selectAllClone(bool)",
+                                     "copyUIDsSelectedClones()",
+                                     "updateFilteredClone(QVariantMap)"}));
+        QCOMPARE(properties, QStringList{"appVersion"});
+        QVERIFY(meta.property(meta.propertyOffset()).isConstant());
+    }
+
+    void storedToken_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::newRow("none") << QString();
+        QTest::newRow("one") << QStringLiteral("a \"b\" ö");
+    }
+
+    void storedToken()
+    {
+        QFETCH(QString, stored);
+        if (!stored.isEmpty())
+            settings().setValue("user_token", stored);
+        const LogCapture log;
+        m_app.reset();
+        m_app = std::make_unique<Application>(nullptr);
+        QCOMPARE(model().userInfo()->token(), stored);
+        QVERIFY(!model().userInfo()->isValidated());
+        const QRegularExpression form(
+            QStringLiteral("^\\[D\\]\\[ loadUserInfo \\]\\[ \\d+ \\] userToken:  \"%1\"$")
+                .arg(QRegularExpression::escape(QString(stored).replace('"', "\\\""))));
+        QVERIFY2(log.lines().filter(form).size() == 1, qPrintable(log.lines().join('\n')));
+    }
+
+    void rejectedToken_data()
+    {
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<bool>("clears");
+        QTest::newRow("without a token") << QByteArray(R"({"success":true,"data":{"fullname":"x"}})") << true;
+        QTest::newRow("with an empty one") << QByteArray(R"({"success":true,"data":{"token":""}})") << true;
+        QTest::newRow("with a number") << QByteArray(R"({"success":true,"data":{"token":5}})") << true;
+        QTest::newRow("refused") << QByteArray(R"({"success":false,"data":{"token":"t"}})") << false;
+        QTest::newRow("wrong shape") << QByteArray(R"({"success":true,"data":[]})") << false;
+    }
+
+    void rejectedToken()
+    {
+        QFETCH(QByteArray, answer);
+        QFETCH(bool, clears);
+        service().setReply(api("user/get-info"), 200, answer);
+        for (const bool validated : {false, true}) {
+            signIn("kept");
+            model().userInfo()->setIsValidated(validated);
+            settle();
+            QCoreApplication::processEvents();
+            QCOMPARE(model().userInfo()->token(), clears ? QString() : QStringLiteral("kept"));
+            QCOMPARE(model().userInfo()->isValidated(), validated && !clears);
+        }
+        QVERIFY(notifications().isEmpty());
+        QVERIFY(!settings().contains("user_token"));
+        QVERIFY(service().requests(api("config/get-global")).isEmpty());
+    }
+
+    void lateAnswerAboutAnotherToken()
+    {
+        service().setLatency(300);
+        QSignalSpy answers(m_app.get(), &Application::getUserInfo);
+        m_app->checkUser(); // about the empty token: would be a rejection
+        m_app->checkUser(); // asks nothing more while that is under way
+        QTRY_COMPARE(service().requests(api("user/get-info")).size(), 1);
+        signIn(service().userToken());
+        QTRY_VERIFY(model().userInfo()->isValidated());
+        settle();
+        QCOMPARE(answers.count(), 1);
+        QCOMPARE(service().requests(api("user/get-info")).size(), 2);
+        QCOMPARE(model().userInfo()->token(), service().userToken());
+        QCOMPARE(settings().value("user_token").toString(), service().userToken());
+        QCOMPARE(notifications().count("0 Load user info successful!"), 1);
+        QCOMPARE(service().requests(api("config/get-global")).size(), 1);
+    }
+
+    void renamedToken()
+    {
+        service().setReply(api("user/get-info"), 200,
+                           R"({"success":true,"data":{"token":"renamed","user_type":"x"}})");
+        signIn(service().userToken());
+        QTRY_VERIFY(model().userInfo()->isValidated());
+        settle();
+        QCOMPARE(model().userInfo()->token(), QStringLiteral("renamed"));
+        QCOMPARE(settings().value("user_token").toString(), QStringLiteral("renamed"));
+        const auto configRequests = service().requests(api("config/get-global"));
+        QCOMPARE(configRequests.size(), 1);
+        QVERIFY(configRequests[0].body.contains("renamed"));
+    }
+
+    void missingDefinitions()
+    {
+        enter();
+        const LogCapture log;
+        m_app->uploadDefinition(5, "/none/such");
+        QCOMPARE(notifications(), QStringList{"2 Upload definitions falure!"});
+        QVERIFY(service().requests().isEmpty());
+        QCOMPARE(log.lines().filter(QRegularExpression("^\\[D\\]\\[ uploadDefinition ")).size(), 2);
+        QVERIFY(log.lines()[0].endsWith("] ver:  5  file:  \"/none/such\""));
+        QVERIFY(log.lines().last().contains("] error:  \""));
+        m_app->uploadDefinition(5, QCoreApplication::applicationFilePath());
+        QCOMPARE(service().farm().definitionsVersion, 5);
+    }
+
+    void hangingService()
+    {
+        enter();
+        QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
+        QSignalSpy clones(m_app.get(), &Application::getCloneListDone);
+        service().setFault(api("device/list"), Fault::Hang);
+        for (int i = 0; i < 4; ++i)
+            m_app->getDeviceList();
+        QTRY_COMPARE(service().requests(api("device/list")).size(), 4);
+        m_app->getCloneList(); // nothing waits behind the hanging requests
+        QTRY_COMPARE(clones.count(), 1);
+        QCOMPARE(devices.count(), 0);
+        service().clearFaults();
+        QTRY_COMPARE(devices.count(), 4);
+    }
+
+    void anotherAccountSeesItsOwnFarm()
+    {
+        enter();
+        model().userInfo()->setToken(QString());
+        QVERIFY(!model().userInfo()->isValidated());
+        service().setLatency(200);
+        signIn(service().userToken());
+        QTRY_VERIFY(model().userInfo()->isValidated());
+        QVERIFY(model().deviceList().isEmpty());
+        QVERIFY(model().cloneList().isEmpty());
+        QVERIFY(!model().globalConfig());
+        QTRY_VERIFY(!model().deviceList().isEmpty() && !model().cloneList().isEmpty());
+
+        // What was asked for one account never arrives in another's.
+        service().clearRequests();
+        QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
+        QSignalSpy configs(m_app.get(), &Application::getGlobalConfig);
+        m_app->getDeviceList();
+        m_app->getGlobalConfigAsync();
+        QTRY_COMPARE(service().requests().size(), 2);
+        model().userInfo()->setToken("another");
+        settle();
+        QCOMPARE(devices.count() + configs.count(), 0);
+    }
+
+    void lists()
+    {
+        enter();
+        QCOMPARE(model().deviceList().size(), m_farm.devices.size());
+        QCOMPARE(model().cloneList().size(), m_farm.clones.size());
+        m_app->getDeviceList();
+        settle();
+        QCOMPARE(service().requests(api("device/list")).size(), 1);
+        QCOMPARE(service().requests(api("clone/list")).size(), 0);
+        model().setClones({});
+        m_app->getDeviceList();
+        settle();
+        QCOMPARE(service().requests(api("clone/list")).size(), 1);
+        QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size());
+    }
+
+    void failedLists()
+    {
+        enter();
+        service().setFault(api("device/list"), Fault::WrongShape);
+        service().setFault(api("clone/list"), Fault::Cut);
+        QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
+        QSignalSpy clones(m_app.get(), &Application::getCloneListDone);
+        m_app->getDeviceList();
+        m_app->getCloneList();
+        QTRY_COMPARE(notifications().size(), 2);
+        QVERIFY(notifications().contains("2 Load device list failure!"));
+        QVERIFY(notifications().contains("2 Load clone list failure!"));
+        QCOMPARE(devices.size() + clones.size(), 2);
+        QVERIFY(model().deviceList().isEmpty());
+        QVERIFY(model().cloneList().isEmpty());
+    }
+
+    void changes_data()
+    {
+        QTest::addColumn<Action>("action");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("successText");
+        QTest::addColumn<QString>("failureText");
+        QTest::addColumn<QString>("refreshPath");
+        QTest::addColumn<bool>("refreshAfterFailure");
+        const auto row = [](const char* path, const Action& action, const char* done, const char* failed,
+                            const char* refresh, bool always) {
+            QTest::newRow(path) << action << api(path) << QString(done) << QString(failed) << api(refresh)
+                                << always;
+        };
+        const auto device = [] { return model().deviceList().first(); };
+        const auto tick = [] { model().clones().first()->setSelected(true); };
+        row(
+            "device/confirm", [=](auto& app) { app.confirmSelectedDevice(device()); }, "",
+            "2 Confirm device failure!", "device/list", false);
+        row(
+            "device/delete", [=](auto& app) { app.deleteSelectedDevice(device()); }, "",
+            "2 Delete device failure!", "device/list", true);
+        row(
+            "device/save-config", [=](auto& app) { app.saveDeviceConfig(device()); },
+            "0 Save device config successful!", "2 Save device config falure!", "", false);
+        row(
+            "clone/update-farm-profile", [=](auto& app) { tick(), app.updateFarmProfile("Warm-up"); }, "",
+            "2 Update farm profile failure!", "clone/list", true);
+        row(
+            "clone/reset-live", [=](auto& app) { tick(), app.resetSelectedClone(); }, "",
+            "2 Reset clone failure!", "clone/list", false);
+        row(
+            "clone/delete", [=](auto& app) { tick(), app.deleteSelectedClone(); }, "",
+            "2 Delete clone failure!", "clone/list", true);
+        row(
+            "clone/add", [](auto& app) { app.addClone("new-1|p", "facebook", "Warm-up"); }, "",
+            "2 Add clone failure!", "clone/list", false);
+        row(
+            "config/update-global", [](auto& app) { app.applyGlobalSetting(7, "", 0, 0, "", 0); },
+            "0 Save global config successful!", "2 Save global config failure!", "config/get-global", false);
+        row(
+            "user/upsert-farm-profile",
+            [](auto& app) { app.saveProfileSettings(model().userInfo()->farmProfiles().first()); },
+            "0 Save profile successful!", "2 Save profile failure!", "user/get-info", false);
+        row(
+            "definitions/push",
+            [](auto& app) { app.uploadDefinition(5, QCoreApplication::applicationFilePath()); },
+            "0 Upload definitions successful!", "2 Upload definitions falure!", "", false);
+    }
+
+    void changes()
+    {
+        QFETCH(Action, action);
+        QFETCH(QString, path);
+        QFETCH(QString, successText);
+        QFETCH(QString, failureText);
+        QFETCH(QString, refreshPath);
+        QFETCH(bool, refreshAfterFailure);
+        enter();
+
+        action(*m_app);
+        settle();
+        QCOMPARE(service().requests(path).size(), 1);
+        QStringList told = notifications();
+        told.removeAll("0 Load user info successful!"); // saving a profile asks for the user again
+        QCOMPARE(told, successText.isEmpty() ? QStringList() : QStringList{successText});
+        QCOMPARE(service().requests(refreshPath).size(), refreshPath == api("") ? 0 : 1);
+        QVERIFY(refreshPath == api("device/list") || service().requests(api("device/list")).isEmpty());
+
+        enter();
+        service().setFault(path, Fault::Refuse);
+        action(*m_app);
+        settle();
+        QCOMPARE(notifications(), QStringList{failureText});
+        QCOMPARE(service().requests(path).size(), 1);
+        QCOMPARE(service().requests(refreshPath).size(), refreshAfterFailure ? 1 : 0);
+    }
+
+    void savingTakesTheValuesOfTheMoment()
+    {
+        enter();
+        DeviceInfo* const device = model().devices().first();
+        const QString id = device->androidId();
+        device->deviceConfig()->setDeviceLabel("as typed");
+        device->deviceConfig()->setConnectivityType(1);
+        service().setLatency(200);
+        m_app->saveDeviceConfig(device);
+        device->deviceConfig()->setDeviceLabel("typed later");
+        model().userInfo()->setToken("another");
+        model().setDevices({});
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QTRY_COMPARE(notifications(), QStringList{"0 Save device config successful!"});
+        const QJsonObject config{{"connectivity_type", 1}, {"device_label", "as typed"}};
+        const QJsonObject body{
+            {"token", service().adminToken()}, {"android_id", id}, {"device_config", config}};
+        QCOMPARE(
+            QJsonDocument::fromJson(service().requests(api("device/save-config")).value(0).body).object(),
+            body);
+    }
+
+    void importSendsOnlyWholeLines()
+    {
+        enter();
+        m_app->addClone(" \n\nonly-uid\n", "facebook", "Warm-up");
+        QVERIFY(service().requests(api("clone/add")).isEmpty());
+        m_app->addClone("u1|p1|s1|more\nbroken\nu2|p2", "facebook", "Warm-up");
+        settle();
+        QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size() + 2);
+        const auto clones = model().clones();
+        QCOMPARE(clones.last()->uid(), QStringLiteral("u2"));
+        QCOMPARE(clones[clones.size() - 2]->secretkey(), QStringLiteral("s1"));
+        QCOMPARE(clones.last()->farmProfile(), QStringLiteral("Warm-up"));
+    }
+
+    void globalSettings()
+    {
+        enter();
+        m_app->applyGlobalSetting(0, "http://x/ä.apk", 12, 13, "", -1);
+        const auto body = service().requests(api("config/update-global")).value(0).body;
+        const QJsonObject config{{"facebook_app_version", "12"},
+                                 {"velstrand_manager_app_version", "13"},
+                                 {"velstrand_android_app_path", "http://x/ä.apk"},
+                                 {"velstrand_definition_version", "-1"}};
+        QCOMPARE(QJsonDocument::fromJson(body).object().value("global_config").toObject(), config);
+    }
+
+    void reports()
+    {
+        enter();
+        QSignalSpy changed(&model(), &AppModel::reportListChanged);
+        m_app->getReports();
+        QTRY_COMPARE(changed.count(), 1);
+        const QDate today = QDate::currentDate();
+        for (int i = 0; i < 10; ++i) {
+            const auto* day = qobject_cast<ReportsByDate*>(model().reportList()[i]);
+            QCOMPARE(day->date(), today.addDays(-i).toString("yyyy-M-d"));
+            const QJsonObject expected = m_farm.reports.value(day->date()).toObject();
+            QCOMPARE(QJsonObject::fromVariantMap(day->data()), expected.value("total").toObject());
+            QCOMPARE(QJsonObject::fromVariantMap(day->details()),
+                     expected.value("device_details").toObject());
+        }
+        service().setFault(api("reports/get"), Fault::WrongShape);
+        m_app->getReports();
+        QTRY_COMPARE(notifications(), QStringList{"2 Load report list failure!"});
+        QCOMPARE(changed.count(), 1);
+    }
+
+    void copyUids()
+    {
+        AppIO io(qGuiApp);
+        m_app->setAppIO(&io);
+        enter();
+        m_app->updateFilteredClone({{"uid", QStringList{model().clones()[2]->uid()}}});
+        m_app->selectAllClone(true);
+        m_app->updateFilteredClone({});
+        m_app->selectAllClone(false);
+        model().clones()[4]->setSelected(true);
+        model().clones()[1]->setSelected(true);
+        m_app->copyUIDsSelectedClones();
+        QCOMPARE(QGuiApplication::clipboard()->text(),
+                 model().clones()[1]->uid() + '\n' + model().clones()[4]->uid() + '\n');
+    }
+
+    void versionCheck()
+    {
+        enter();
+        auto* const timer = m_app->findChild<QTimer*>();
+        QCOMPARE(timer->interval(), 10000);
+        QVERIFY(timer->isActive() && !timer->isSingleShot());
+
+        // During a slow check ticks are dropped; later ones are not.
+        service().setLatency(150);
+        timer->setInterval(1);
+        QElapsedTimer elapsed;
+        elapsed.start();
+        QTRY_COMPARE(service().requests(api("config/get-global")).size(), 3);
+        QVERIFY(elapsed.elapsed() >= 2 * 150);
+        timer->stop();
+        settle();
+
+        // A check that ends before the tick returns leaves nothing behind.
+        service().setLatency(0);
+        service().clearRequests();
+        timer->start();
+        QTRY_VERIFY(service().requests(api("config/get-global")).size() > 10);
+        QVERIFY(service().requests(QStringLiteral("/packages/velstrand_18.zip")).isEmpty());
+    }
+
+    void closingWithJobsInFlight()
+    {
+        enter();
+        service().setLatency(100);
+        QObject* const device = model().deviceList().first();
+        for (const int wait : {0, 50, 100, 150}) {
+            m_app->getDeviceList();
+            m_app->getCloneList();
+            m_app->getReports();
+            m_app->checkUser();
+            m_app->saveDeviceConfig(device);
+            QThread::msleep(ulong(wait));
+            m_app.reset();
+            m_app = std::make_unique<Application>(nullptr);
+            model().userInfo()->setToken(service().adminToken());
+        }
+        settle();
+    }
+
+    void noCheckAfterAnUpdate()
+    {
+        // The build in place is started again when the package brings no other.
+        const QTemporaryDir folder;
+        const QString cwd = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(folder.path()));
+        const QString package = QStringLiteral("/packages/velstrand_19.zip");
+        service().setReply(package, 200, packZip({{"readme", "x"}}));
+        devservice::Farm farm = m_farm;
+        farm.globalConfig["velstrand_manager_app_version"] = "19";
+        farm.globalConfig["velstrand_manager_app_path"] = service().origin() + package;
+        service().setFarm(farm);
+        enter();
+        auto* const timer = m_app->findChild<QTimer*>();
+        timer->setInterval(1);
+        QTRY_VERIFY(!timer->isActive());
+        QCOMPARE(service().requests(api("config/get-global")).size(), 1);
+        QCOMPARE(service().requests(package).size(), 1);
+        QVERIFY(QDir::setCurrent(cwd));
+    }
 
 private:
-    void signIn(const QString& token);
+    void signIn(const QString& token)
+    {
+        model().userInfo()->setToken(token);
+        m_app->checkUser();
+    }
+
     /// Signs in, and returns with both lists in the model and no job running.
-    void enter();
+    void enter()
+    {
+        signIn(service().adminToken());
+        QTRY_VERIFY_WITH_TIMEOUT(!model().cloneList().isEmpty() && !model().deviceList().isEmpty() &&
+                                     model().globalConfig(),
+                                 30000);
+        settle();
+        m_notified->clear();
+        service().clearRequests();
+    }
+
     /// Waits until no job runs and no answer starts another.
     static void settle()
     {
@@ -92,7 +535,14 @@ private:
             QCoreApplication::processEvents();
         }
     }
-    QStringList notifications() const;
+    QStringList notifications() const
+    {
+        QStringList texts;
+        for (const auto& arguments : *m_notified)
+            texts.append(QString::number(arguments[0].toInt()) + ' ' + arguments[1].toString());
+        return texts;
+    }
+
     devservice::DevService& service() { return m_fixture.service(); }
 
     ServiceFixture m_fixture;
@@ -100,483 +550,6 @@ private:
     std::unique_ptr<Application> m_app;
     std::unique_ptr<QSignalSpy> m_notified;
 };
-
-void TestApplication::init()
-{
-    service().setFarm(m_farm);
-    settings().remove("user_token");
-    QThreadPool::globalInstance()->setMaxThreadCount(1); // as a small machine has it
-    m_app = std::make_unique<Application>(nullptr);
-    m_notified = std::make_unique<QSignalSpy>(m_app.get(), &Application::pushNotification);
-}
-
-void TestApplication::cleanup()
-{
-    settle();
-    m_notified.reset();
-    m_app.reset();
-    service().clearFaults();
-    service().setLatency(0);
-    service().clearRequests();
-    model().clearFarm();
-}
-
-QStringList TestApplication::notifications() const
-{
-    QStringList texts;
-    for (const auto& arguments : *m_notified)
-        texts.append(QString::number(arguments[0].toInt()) + ' ' + arguments[1].toString());
-    return texts;
-}
-
-void TestApplication::signIn(const QString& token)
-{
-    model().userInfo()->setToken(token);
-    m_app->checkUser();
-}
-
-void TestApplication::enter()
-{
-    signIn(service().adminToken());
-    QTRY_VERIFY_WITH_TIMEOUT(
-        !model().cloneList().isEmpty() && !model().deviceList().isEmpty() && model().globalConfig(), 30000);
-    settle();
-    m_notified->clear();
-    service().clearRequests();
-}
-
-void TestApplication::interfaceOrder()
-{
-    QStringList names, properties;
-    const QMetaObject& meta = Application::staticMetaObject;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        names.append(QString::fromLatin1(meta.method(i).methodSignature()));
-    for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i)
-        properties.append(QLatin1String(meta.property(i).name()));
-    QCOMPARE(names, QStringList({"getUserInfo(QVariant)",
-                                 "getDeviceListDone(QVariantList)",
-                                 "getCloneListDone(QVariantList)",
-                                 "getGlobalConfig(QString)",
-                                 "pushNotification(int,QString)",
-                                 "checkUser()",
-                                 "loadAllCachedUsers()",
-                                 "getDeviceList()",
-                                 "confirmSelectedDevice(QObject*)",
-                                 "deleteSelectedDevice(QObject*)",
-                                 "saveDeviceConfig(QObject*)",
-                                 "getCloneList()",
-                                 "updateFarmProfile(QString)",
-                                 "resetSelectedClone()",
-                                 "deleteSelectedClone()",
-                                 "addClone(QString,QString,QString)",
-                                 "uploadDefinition(int,QString)",
-                                 "saveProfileSettings(QObject*)",
-                                 "applyGlobalSetting(int,QString,int,int,QString,int)",
-                                 "getReports()",
-                                 "selectAllClone(bool)",
-                                 "copyUIDsSelectedClones()",
-                                 "updateFilteredClone(QVariantMap)"}));
-    QCOMPARE(properties, QStringList{"appVersion"});
-    QVERIFY(meta.property(meta.propertyOffset()).isConstant());
-}
-
-void TestApplication::storedToken_data()
-{
-    QTest::addColumn<QString>("stored");
-    QTest::newRow("none") << QString();
-    QTest::newRow("one") << QStringLiteral("a \"b\" ö");
-}
-
-void TestApplication::storedToken()
-{
-    QFETCH(QString, stored);
-    if (!stored.isEmpty()) {
-        QSettings kept = settings();
-        kept.setValue("user_token", stored);
-    }
-    const LogCapture log;
-    m_app.reset();
-    m_app = std::make_unique<Application>(nullptr);
-    QCOMPARE(model().userInfo()->token(), stored);
-    QVERIFY(!model().userInfo()->isValidated());
-    const QRegularExpression form(
-        QStringLiteral("^\\[D\\]\\[ loadUserInfo \\]\\[ \\d+ \\] userToken:  \"%1\"$")
-            .arg(QRegularExpression::escape(stored.split('"').join("\\\""))));
-    QVERIFY2(log.lines().filter(form).size() == 1, qPrintable(log.lines().join('\n')));
-}
-
-void TestApplication::rejectedToken_data()
-{
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<bool>("clears");
-    QTest::newRow("without a token") << QByteArray(R"({"success":true,"data":{"fullname":"x"}})") << true;
-    QTest::newRow("with an empty one") << QByteArray(R"({"success":true,"data":{"token":""}})") << true;
-    QTest::newRow("with a number") << QByteArray(R"({"success":true,"data":{"token":5}})") << true;
-    QTest::newRow("refused") << QByteArray(R"({"success":false,"data":{"token":"t"}})") << false;
-    QTest::newRow("wrong shape") << QByteArray(R"({"success":true,"data":[]})") << false;
-}
-
-void TestApplication::rejectedToken()
-{
-    QFETCH(QByteArray, answer);
-    QFETCH(bool, clears);
-    service().setReply(api("user/get-info"), 200, answer);
-    for (const bool validated : {false, true}) {
-        signIn("kept");
-        model().userInfo()->setIsValidated(validated);
-        settle();
-        QCoreApplication::processEvents();
-        QCOMPARE(model().userInfo()->token(), clears ? QString() : QStringLiteral("kept"));
-        QCOMPARE(model().userInfo()->isValidated(), validated && !clears);
-    }
-    QVERIFY(notifications().isEmpty());
-    QVERIFY(!settings().contains("user_token"));
-    QVERIFY(service().requests(api("config/get-global")).isEmpty());
-}
-
-void TestApplication::lateAnswerAboutAnotherToken()
-{
-    service().setLatency(300);
-    QSignalSpy answers(m_app.get(), &Application::getUserInfo);
-    m_app->checkUser(); // about the empty token: would be a rejection
-    m_app->checkUser(); // asks nothing more while that is under way
-    QTRY_COMPARE(service().requests(api("user/get-info")).size(), 1);
-    signIn(service().userToken());
-    QTRY_VERIFY(model().userInfo()->isValidated());
-    settle();
-    QCOMPARE(answers.count(), 1);
-    QCOMPARE(service().requests(api("user/get-info")).size(), 2);
-    QCOMPARE(model().userInfo()->token(), service().userToken());
-    QCOMPARE(settings().value("user_token").toString(), service().userToken());
-    QCOMPARE(notifications().count("0 Load user info successful!"), 1);
-    QCOMPARE(service().requests(api("config/get-global")).size(), 1);
-}
-
-void TestApplication::renamedToken()
-{
-    service().setReply(api("user/get-info"), 200,
-                       R"({"success":true,"data":{"token":"renamed","user_type":"x"}})");
-    signIn(service().userToken());
-    QTRY_VERIFY(model().userInfo()->isValidated());
-    settle();
-    QCOMPARE(model().userInfo()->token(), QStringLiteral("renamed"));
-    QCOMPARE(settings().value("user_token").toString(), QStringLiteral("renamed"));
-    const auto configRequests = service().requests(api("config/get-global"));
-    QCOMPARE(configRequests.size(), 1);
-    QVERIFY(configRequests[0].body.contains("renamed"));
-}
-
-void TestApplication::missingDefinitions()
-{
-    enter();
-    const LogCapture log;
-    m_app->uploadDefinition(5, "/none/such");
-    QCOMPARE(notifications(), QStringList{"2 Upload definitions falure!"});
-    QVERIFY(service().requests().isEmpty());
-    QCOMPARE(log.lines().filter(QRegularExpression("^\\[D\\]\\[ uploadDefinition ")).size(), 2);
-    QVERIFY(log.lines().constFirst().endsWith("] ver:  5  file:  \"/none/such\""));
-    QVERIFY(log.lines().constLast().contains("] error:  \""));
-    m_app->uploadDefinition(5, QCoreApplication::applicationFilePath());
-    QCOMPARE(service().farm().definitionsVersion, 5);
-}
-
-void TestApplication::hangingService()
-{
-    enter();
-    QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
-    QSignalSpy clones(m_app.get(), &Application::getCloneListDone);
-    service().setFault(api("device/list"), Fault::Hang);
-    for (int i = 0; i < 4; ++i)
-        m_app->getDeviceList();
-    QTRY_COMPARE(service().requests(api("device/list")).size(), 4);
-    m_app->getCloneList(); // nothing waits behind the hanging requests
-    QTRY_COMPARE(clones.count(), 1);
-    QCOMPARE(devices.count(), 0);
-    service().clearFaults();
-    QTRY_COMPARE(devices.count(), 4);
-}
-
-void TestApplication::anotherAccountSeesItsOwnFarm()
-{
-    enter();
-    model().userInfo()->setToken(QString());
-    QVERIFY(!model().userInfo()->isValidated());
-    service().setLatency(200);
-    signIn(service().userToken());
-    QTRY_VERIFY(model().userInfo()->isValidated());
-    QVERIFY(model().deviceList().isEmpty());
-    QVERIFY(model().cloneList().isEmpty());
-    QVERIFY(!model().globalConfig());
-    QTRY_VERIFY(!model().deviceList().isEmpty() && !model().cloneList().isEmpty());
-
-    // What was asked for one account never arrives in another's.
-    service().clearRequests();
-    QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
-    QSignalSpy configs(m_app.get(), &Application::getGlobalConfig);
-    m_app->getDeviceList();
-    m_app->getGlobalConfigAsync();
-    QTRY_COMPARE(service().requests().size(), 2);
-    model().userInfo()->setToken("another");
-    settle();
-    QCOMPARE(devices.count() + configs.count(), 0);
-}
-
-void TestApplication::lists()
-{
-    enter();
-    QCOMPARE(model().deviceList().size(), m_farm.devices.size());
-    QCOMPARE(model().cloneList().size(), m_farm.clones.size());
-    m_app->getDeviceList();
-    settle();
-    QCOMPARE(service().requests(api("device/list")).size(), 1);
-    QCOMPARE(service().requests(api("clone/list")).size(), 0);
-    model().setClones({});
-    m_app->getDeviceList();
-    settle();
-    QCOMPARE(service().requests(api("clone/list")).size(), 1);
-    QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size());
-}
-
-void TestApplication::failedLists()
-{
-    enter();
-    service().setFault(api("device/list"), Fault::WrongShape);
-    service().setFault(api("clone/list"), Fault::Cut);
-    QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
-    QSignalSpy clones(m_app.get(), &Application::getCloneListDone);
-    m_app->getDeviceList();
-    m_app->getCloneList();
-    QTRY_COMPARE(notifications().size(), 2);
-    QVERIFY(notifications().contains("2 Load device list failure!"));
-    QVERIFY(notifications().contains("2 Load clone list failure!"));
-    QCOMPARE(devices.size() + clones.size(), 2);
-    QVERIFY(model().deviceList().isEmpty());
-    QVERIFY(model().cloneList().isEmpty());
-}
-
-void TestApplication::changes_data()
-{
-    QTest::addColumn<Action>("action");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("successText");
-    QTest::addColumn<QString>("failureText");
-    QTest::addColumn<QString>("refreshPath");
-    QTest::addColumn<bool>("refreshAfterFailure");
-    const auto row = [](const char* path, const Action& action, const char* done, const char* failed,
-                        const char* refresh, bool always) {
-        QTest::newRow(path) << action << api(path) << QString(done) << QString(failed) << api(refresh)
-                            << always;
-    };
-    const auto device = [] { return model().deviceList().first(); };
-    const auto tick = [] { model().clones().first()->setSelected(true); };
-    row(
-        "device/confirm", [=](auto& app) { app.confirmSelectedDevice(device()); }, "",
-        "2 Confirm device failure!", "device/list", false);
-    row(
-        "device/delete", [=](auto& app) { app.deleteSelectedDevice(device()); }, "",
-        "2 Delete device failure!", "device/list", true);
-    row(
-        "device/save-config", [=](auto& app) { app.saveDeviceConfig(device()); },
-        "0 Save device config successful!", "2 Save device config falure!", "", false);
-    row(
-        "clone/update-farm-profile", [=](auto& app) { tick(), app.updateFarmProfile("Warm-up"); }, "",
-        "2 Update farm profile failure!", "clone/list", true);
-    row(
-        "clone/reset-live", [=](auto& app) { tick(), app.resetSelectedClone(); }, "",
-        "2 Reset clone failure!", "clone/list", false);
-    row(
-        "clone/delete", [=](auto& app) { tick(), app.deleteSelectedClone(); }, "", "2 Delete clone failure!",
-        "clone/list", true);
-    row(
-        "clone/add", [](auto& app) { app.addClone("new-1|p", "facebook", "Warm-up"); }, "",
-        "2 Add clone failure!", "clone/list", false);
-    row(
-        "config/update-global", [](auto& app) { app.applyGlobalSetting(7, "", 0, 0, "", 0); },
-        "0 Save global config successful!", "2 Save global config failure!", "config/get-global", false);
-    row(
-        "user/upsert-farm-profile",
-        [](auto& app) { app.saveProfileSettings(model().userInfo()->farmProfiles().first()); },
-        "0 Save profile successful!", "2 Save profile failure!", "user/get-info", false);
-    row(
-        "definitions/push",
-        [](auto& app) { app.uploadDefinition(5, QCoreApplication::applicationFilePath()); },
-        "0 Upload definitions successful!", "2 Upload definitions falure!", "", false);
-}
-
-void TestApplication::changes()
-{
-    QFETCH(Action, action);
-    QFETCH(QString, path);
-    QFETCH(QString, successText);
-    QFETCH(QString, failureText);
-    QFETCH(QString, refreshPath);
-    QFETCH(bool, refreshAfterFailure);
-    enter();
-
-    action(*m_app);
-    settle();
-    QCOMPARE(service().requests(path).size(), 1);
-    QStringList told = notifications();
-    told.removeAll("0 Load user info successful!"); // saving a profile asks for the user again
-    QCOMPARE(told, successText.isEmpty() ? QStringList() : QStringList{successText});
-    QCOMPARE(service().requests(refreshPath).size(), refreshPath == api("") ? 0 : 1);
-    QVERIFY(refreshPath == api("device/list") || service().requests(api("device/list")).isEmpty());
-
-    enter();
-    service().setFault(path, Fault::Refuse);
-    action(*m_app);
-    settle();
-    QCOMPARE(notifications(), QStringList{failureText});
-    QCOMPARE(service().requests(path).size(), 1);
-    QCOMPARE(service().requests(refreshPath).size(), refreshAfterFailure ? 1 : 0);
-}
-
-void TestApplication::savingTakesTheValuesOfTheMoment()
-{
-    enter();
-    DeviceInfo* const device = model().devices().first();
-    const QString id = device->androidId();
-    device->deviceConfig()->setDeviceLabel("as typed");
-    device->deviceConfig()->setConnectivityType(1);
-    service().setLatency(200);
-    m_app->saveDeviceConfig(device);
-    device->deviceConfig()->setDeviceLabel("typed later");
-    model().userInfo()->setToken("another");
-    model().setDevices({});
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QTRY_COMPARE(notifications(), QStringList{"0 Save device config successful!"});
-    const QJsonObject config{{"connectivity_type", 1}, {"device_label", "as typed"}};
-    const QJsonObject body{{"token", service().adminToken()}, {"android_id", id}, {"device_config", config}};
-    QCOMPARE(QJsonDocument::fromJson(service().requests(api("device/save-config")).value(0).body).object(),
-             body);
-}
-
-void TestApplication::importSendsOnlyWholeLines()
-{
-    enter();
-    m_app->addClone(" \n\nonly-uid\n", "facebook", "Warm-up");
-    QVERIFY(service().requests(api("clone/add")).isEmpty());
-    m_app->addClone("u1|p1|s1|more\nbroken\nu2|p2", "facebook", "Warm-up");
-    settle();
-    QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size() + 2);
-    const auto clones = model().clones();
-    QCOMPARE(clones.last()->uid(), QStringLiteral("u2"));
-    QCOMPARE(clones[clones.size() - 2]->secretkey(), QStringLiteral("s1"));
-    QCOMPARE(clones.last()->farmProfile(), QStringLiteral("Warm-up"));
-}
-
-void TestApplication::globalSettings()
-{
-    enter();
-    m_app->applyGlobalSetting(0, "http://x/ä.apk", 12, 13, "", -1);
-    const auto body = service().requests(api("config/update-global")).value(0).body;
-    const QJsonObject config{{"facebook_app_version", "12"},
-                             {"velstrand_manager_app_version", "13"},
-                             {"velstrand_android_app_path", "http://x/ä.apk"},
-                             {"velstrand_definition_version", "-1"}};
-    QCOMPARE(QJsonDocument::fromJson(body).object().value("global_config").toObject(), config);
-}
-
-void TestApplication::reports()
-{
-    enter();
-    QSignalSpy changed(&model(), &AppModel::reportListChanged);
-    m_app->getReports();
-    QTRY_COMPARE(changed.count(), 1);
-    const QDate today = QDate::currentDate();
-    for (int i = 0; i < 10; ++i) {
-        const auto* day = qobject_cast<ReportsByDate*>(model().reportList()[i]);
-        QCOMPARE(day->date(), today.addDays(-i).toString("yyyy-M-d"));
-        const QJsonObject expected = m_farm.reports.value(day->date()).toObject();
-        QCOMPARE(QJsonObject::fromVariantMap(day->data()), expected.value("total").toObject());
-        QCOMPARE(QJsonObject::fromVariantMap(day->details()), expected.value("device_details").toObject());
-    }
-    service().setFault(api("reports/get"), Fault::WrongShape);
-    m_app->getReports();
-    QTRY_COMPARE(notifications(), QStringList{"2 Load report list failure!"});
-    QCOMPARE(changed.count(), 1);
-}
-
-void TestApplication::copyUids()
-{
-    AppIO io(qGuiApp);
-    m_app->setAppIO(&io);
-    enter();
-    m_app->updateFilteredClone({{"uid", QStringList{model().clones()[2]->uid()}}});
-    m_app->selectAllClone(true);
-    m_app->updateFilteredClone({});
-    m_app->selectAllClone(false);
-    model().clones()[4]->setSelected(true);
-    model().clones()[1]->setSelected(true);
-    m_app->copyUIDsSelectedClones();
-    QCOMPARE(QGuiApplication::clipboard()->text(),
-             model().clones()[1]->uid() + '\n' + model().clones()[4]->uid() + '\n');
-}
-
-void TestApplication::versionCheck()
-{
-    enter();
-    auto* const timer = m_app->findChild<QTimer*>();
-    QCOMPARE(timer->interval(), 10000);
-    QVERIFY(timer->isActive() && !timer->isSingleShot());
-
-    // During a slow check ticks are dropped; later ones are not.
-    service().setLatency(150);
-    timer->setInterval(1);
-    QElapsedTimer elapsed;
-    elapsed.start();
-    QTRY_COMPARE(service().requests(api("config/get-global")).size(), 3);
-    QVERIFY(elapsed.elapsed() >= 2 * 150);
-    timer->stop();
-    settle();
-
-    // A check that ends before the tick returns leaves nothing behind.
-    service().setLatency(0);
-    service().clearRequests();
-    timer->start();
-    QTRY_VERIFY(service().requests(api("config/get-global")).size() > 10);
-    QVERIFY(service().requests(QStringLiteral("/packages/velstrand_18.zip")).isEmpty());
-}
-
-void TestApplication::closingWithJobsInFlight()
-{
-    enter();
-    service().setLatency(100);
-    QObject* const device = model().deviceList().first();
-    for (const int wait : {0, 50, 100, 150}) {
-        m_app->getDeviceList();
-        m_app->getCloneList();
-        m_app->getReports();
-        m_app->checkUser();
-        m_app->saveDeviceConfig(device);
-        QThread::msleep(ulong(wait));
-        m_app.reset();
-        m_app = std::make_unique<Application>(nullptr);
-        model().userInfo()->setToken(service().adminToken());
-    }
-    settle();
-}
-
-void TestApplication::noCheckAfterAnUpdate()
-{
-    // The build in place is started again when the package brings no other.
-    const QTemporaryDir folder;
-    const QString cwd = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(folder.path()));
-    const QString package = QStringLiteral("/packages/velstrand_19.zip");
-    service().setReply(package, 200, packZip({{"readme", "x"}}));
-    devservice::Farm farm = m_farm;
-    farm.globalConfig["velstrand_manager_app_version"] = "19";
-    farm.globalConfig["velstrand_manager_app_path"] = service().origin() + package;
-    service().setFarm(farm);
-    enter();
-    auto* const timer = m_app->findChild<QTimer*>();
-    timer->setInterval(1);
-    QTRY_VERIFY(!timer->isActive());
-    QCOMPARE(service().requests(api("config/get-global")).size(), 1);
-    QCOMPARE(service().requests(package).size(), 1);
-    QVERIFY(QDir::setCurrent(cwd));
-}
 
 QTEST_MAIN(TestApplication)
 #include "tst_application.moc"
