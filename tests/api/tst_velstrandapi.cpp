@@ -15,13 +15,16 @@
 #include <functional>
 #include <future>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 using devservice::Fault;
+using toolkit::Exchange;
 
 namespace {
 
 const QString kToken = QStringLiteral("t\"ö");
+const QString kDevices = QStringLiteral("/api/v1/device/list");
 using Call = std::function<bool(const VelstrandAPI&)>;
 
 /// Gives up sooner.
@@ -32,8 +35,6 @@ struct HastyAPI : VelstrandAPI {
 } // namespace
 
 Q_DECLARE_METATYPE(Call)
-Q_DECLARE_METATYPE(Fault)
-Q_DECLARE_METATYPE(RawServer::Mode)
 
 /// The service client against the development service, over TLS.
 class TestVelstrandAPI : public QObject
@@ -92,12 +93,12 @@ private slots:
         QFETCH(QString, path);
         QFETCH(QByteArray, body);
         QFETCH(Call, call);
-        m_fixture.service().clearRequests();
-        m_fixture.service().setReply(path, 200, R"({"success":false,"data":{}})");
+        m_fixture->clearRequests();
+        m_fixture->setReply(path, 200, R"({"success":false,"data":{}})");
 
         const VelstrandAPI api;
         QVERIFY(!call(api));
-        const auto requests = m_fixture.service().requests();
+        const auto requests = m_fixture->requests();
         QCOMPARE(requests.size(), 1);
         QCOMPARE(requests[0].path, path);
         QCOMPARE(requests[0].body, body);
@@ -153,202 +154,134 @@ private slots:
     {
         QFETCH(int, status);
         QFETCH(QByteArray, body);
-        const QString path = QStringLiteral("/api/v1/device/list");
-        m_fixture.service().setReply(path, status, body);
-        const ApiResponse response = VelstrandAPI().sendPostRequest(path, {}, toolkit::Exchange::Read);
+        m_fixture->setReply(kDevices, status, body);
+        const ApiResponse response = VelstrandAPI().sendPostRequest(kDevices, {}, Exchange::Read);
         QTEST(int(response.code), "code");
         QTEST(response.success, "success");
         QTEST(response.message, "message");
         QTEST(response.data.toJson(QJsonDocument::Compact), "data");
-        QCOMPARE(m_fixture.service().requests(path).last().body, QByteArray("{}"));
-    }
-
-    void readingOperations_data()
-    {
-        QTest::addColumn<QByteArray>("reply");
-        QTest::addColumn<bool>("array");
-        QTest::addColumn<bool>("object");
-        QTest::addColumn<QString>("configText");
-        QTest::newRow("array") << QByteArray(R"({"success":true,"data":[2]})") << true << false << "[2]";
-        QTest::newRow("object") << QByteArray(R"({"success":true,"data":{"a": 2}})") << false << true
-                                << R"({"a":2})";
-        QTest::newRow("none") << QByteArray(R"({"success":true})") << false << false << "";
-        QTest::newRow("refused") << QByteArray(R"({"success":false,"data":[2]})") << false << false
-                                 << "untouched";
-        QTest::newRow("refused object") << QByteArray(R"({"data":{"a":2}})") << false << false << "untouched";
+        QCOMPARE(m_fixture->requests(kDevices).last().body, QByteArray("{}"));
     }
 
     void readingOperations()
     {
-        QFETCH(QByteArray, reply);
-        QFETCH(bool, array);
-        QFETCH(bool, object);
-        for (const char* path :
-             {"device/list", "clone/list", "user/get-info", "reports/get", "config/get-global"})
-            m_fixture.service().setReply(QStringLiteral("/api/v1/") + path, 200, reply);
-
+        // The reply, whether it is the answer to those who want an array and an object, the configuration's
+        // text.
+        const std::tuple<QByteArray, bool, bool, QString> replies[] = {
+            {R"({"success":true,"data":[2]})", true, false, "[2]"},
+            {R"({"success":true,"data":{"a": 2}})", false, true, R"({"a":2})"},
+            {R"({"success":true})", false, false, ""},
+            {R"({"success":false,"data":[2]})", false, false, "untouched"},
+            {R"({"data":{"a":2}})", false, false, "untouched"}};
         const VelstrandAPI api;
-        QJsonArray devices{"untouched"}, clones = devices;
-        const QJsonArray expectedList = array ? QJsonArray{2} : devices;
-        QCOMPARE(api.getDeviceList(kToken, &devices), array);
-        QCOMPARE(api.getCloneList(kToken, QString(), &clones), array);
-        QCOMPARE(devices, expectedList);
-        QCOMPARE(clones, expectedList);
-        QJsonObject user{{"untouched", true}}, reports = user;
-        const QJsonObject expected = object ? QJsonObject{{"a", 2}} : user;
-        QCOMPARE(api.getUserInfo(kToken, &user), object);
-        QCOMPARE(api.getReports(kToken, {}, &reports), object);
-        QCOMPARE(user, expected);
-        QCOMPARE(reports, expected);
-        QString config = QStringLiteral("untouched");
-        QCOMPARE(api.getGlobalConfig(kToken, &config), object);
-        QTEST(config, "configText");
+        for (const auto& [reply, array, object, text] : replies) {
+            for (const char* path :
+                 {"device/list", "clone/list", "user/get-info", "reports/get", "config/get-global"})
+                m_fixture->setReply(QStringLiteral("/api/v1/") + path, 200, reply);
+            const QJsonArray oldList{"untouched"};
+            QJsonArray devices = oldList, clones = oldList;
+            const QJsonArray list = array ? QJsonArray{2} : oldList;
+            QVERIFY(api.getDeviceList(kToken, &devices) == array && devices == list);
+            QVERIFY(api.getCloneList(kToken, QString(), &clones) == array && clones == list);
+            const QJsonObject oldRecord{{"untouched", true}};
+            QJsonObject user = oldRecord, reports = oldRecord;
+            const QJsonObject record = object ? QJsonObject{{"a", 2}} : oldRecord;
+            QVERIFY(api.getUserInfo(kToken, &user) == object && user == record);
+            QVERIFY(api.getReports(kToken, {}, &reports) == object && reports == record);
+            QString config = QStringLiteral("untouched");
+            QVERIFY(api.getGlobalConfig(kToken, &config) == object && config == text);
+        }
     }
 
-    void failures_data()
+    void unanswered()
     {
-        QTest::addColumn<Fault>("fault");
-        QTest::addColumn<bool>("toldByToolkit");
-        QTest::newRow("cut answer") << Fault::Cut << true;
-        QTest::newRow("dropped after the work") << Fault::DropAfterwards << true;
-        QTest::newRow("error page") << Fault::HttpError << false;
-        QTest::newRow("not JSON") << Fault::NotJson << false;
-        QTest::newRow("no body") << Fault::NoBody << true;
-        QTest::newRow("refused") << Fault::Refuse << true;
-        QTest::newRow("wrong shape") << Fault::WrongShape << false;
-    }
-
-    void failures()
-    {
-        QFETCH(Fault, fault);
-        const QString path = QStringLiteral("/api/v1/device/list");
-        m_fixture.service().setFault(path, fault);
-        const VelstrandAPI api;
-        QJsonArray array{"untouched"};
-        QVERIFY(!api.getDeviceList(m_fixture.service().userToken(), &array));
-        QCOMPARE(array, QJsonArray{"untouched"});
-        const auto response =
-            api.sendPostRequest(path, {{"token", m_fixture.service().userToken()}}, toolkit::Exchange::Read);
-        QTEST(!response.message.isEmpty(), "toldByToolkit");
-        m_fixture.service().setFault(path, Fault::None);
-        QVERIFY(api.getDeviceList(m_fixture.service().userToken(), &array));
-    }
-
-    void origins_data()
-    {
-        QTest::addColumn<QByteArray>("origin");
-        QTest::addColumn<QByteArray>("target");
-        const auto row = [](const char* origin, const char* target) {
-            QTest::newRow(origin) << QByteArray(origin) << QByteArray(target);
+        VelstrandAPI api;
+        const auto message = [&] {
+            QJsonArray array{"untouched"};
+            const bool done = api.getDeviceList(m_fixture->userToken(), &array);
+            const auto response = api.sendPostRequest(kDevices, {}, Exchange::Read);
+            return done || response.success || array != QJsonArray{"untouched"} ? QString()
+                                                                                : response.message;
         };
-        row("https://farm.example", "farm.example:443");
-        row("https://farm.example//", "farm.example:443");
-        row("https://farm.example:8443/", "farm.example:8443");
-        row("https://[2001:db8::1]", "[2001:db8::1]:443");
-        row("https://[2001:db8::1]:8443", "[2001:db8::1]:8443");
+        for (const Fault fault : {Fault::Cut, Fault::DropAfterwards, Fault::Refuse}) {
+            m_fixture->setFault(kDevices, fault);
+            QVERIFY(!message().isEmpty());
+        }
+        m_fixture->clearFaults();
+        m_fixture->clearRequests();
+        for (const char* anchors : {"", "/nonexistent.pem"}) {
+            api.setTrustAnchors(anchors);
+            QVERIFY(!message().isEmpty());
+        }
+        QVERIFY(m_fixture->requests().isEmpty());
+        api.setBaseUrl("https://localhost:1"); // where nobody listens
+        QVERIFY(!message().isEmpty());
+        QCOMPARE(int(api.sendPostRequest(kDevices, {}, Exchange::Read).code), 0);
     }
 
     void origins()
     {
-        QFETCH(QByteArray, origin);
-        QFETCH(QByteArray, target);
-        // A proxy is told whom the client wants to reach.
-        RawServer proxy(RawServer::Always("HTTP/1.1 503 No\r\nContent-Length: 0\r\n\r\n"));
-        const std::pair<const char*, QByteArray> environment[] = {
-            {"VELSTRAND_SERVICE_URL", origin},
-            {"https_proxy", QByteArray::fromStdString(proxy.Origin())},
-            {"no_proxy", ""}};
-        QVector<QByteArray> before;
-        for (const auto& [name, value] : environment) {
-            before.append(qgetenv(name));
-            qputenv(name, value);
+        const std::pair<QByteArray, QByteArray> targets[] = {
+            {"https://farm.example//", "farm.example:443"},
+            {"https://farm.example:8443/", "farm.example:8443"},
+            {"https://[2001:db8::1]", "[2001:db8::1]:443"}};
+        for (const auto& [origin, target] : targets) {
+            // A proxy is told whom the client wants to reach.
+            RawServer proxy(RawServer::Always("HTTP/1.1 503 No\r\nContent-Length: 0\r\n\r\n"));
+            std::pair<const char*, QByteArray> environment[] = {
+                {"VELSTRAND_SERVICE_URL", origin},
+                {"https_proxy", QByteArray::fromStdString(proxy.Origin())},
+                {"no_proxy", ""}};
+            const auto exchangeEnvironment = [&] {
+                for (auto& [name, value] : environment)
+                    qputenv(name, std::exchange(value, qgetenv(name)));
+            };
+            exchangeEnvironment();
+            const VelstrandAPI api;
+            api.sendPostRequest("/x", {}, Exchange::Write);
+            api.pushDefinition(kToken, 1, QCoreApplication::applicationFilePath());
+            exchangeEnvironment();
+
+            QVERIFY(!api.baseUrl().endsWith('/') && origin.startsWith(api.baseUrl().toUtf8()));
+            QCOMPARE(proxy.Requests().size(), size_t(2));
+            for (const std::string& request : proxy.Requests())
+                QVERIFY2(request.rfind(("CONNECT " + target + ' ').toStdString(), 0) == 0, request.c_str());
         }
-        const VelstrandAPI api;
-        api.sendPostRequest("/x", {}, toolkit::Exchange::Write);
-        api.pushDefinition(kToken, 1, QCoreApplication::applicationFilePath());
-        for (int i = 0; i < before.size(); ++i)
-            before[i].isNull() ? qunsetenv(environment[i].first) : qputenv(environment[i].first, before[i]);
-
-        QVERIFY(!api.baseUrl().endsWith('/') && origin.startsWith(api.baseUrl().toUtf8()));
-        QCOMPARE(proxy.Requests().size(), size_t(2));
-        for (const std::string& request : proxy.Requests())
-            QVERIFY2(request.rfind(("CONNECT " + target + ' ').toStdString(), 0) == 0, request.c_str());
-    }
-
-    void timeouts_data()
-    {
-        QTest::addColumn<RawServer::Mode>("mode");
-        QTest::newRow("no connection") << RawServer::Mode::NoHandshake;
-        QTest::newRow("no answer") << RawServer::Mode::Tls;
     }
 
     void timeouts()
     {
-        QFETCH(RawServer::Mode, mode);
-        auto server = std::make_unique<RawServer>(
-            [](RawServer::Connection& connection) {
-                connection.ReceiveSome(1);
-                connection.Hang();
-            },
-            mode);
-        HastyAPI api;
-        QCOMPARE(api.m_timeoutSeconds, 30);
-        api.m_timeoutSeconds = 1;
-        const QString origin = QString::fromStdString(server->Origin());
-        api.setBaseUrl(origin);
-        api.setTrustAnchors(QString::fromStdString(server->CaFile().string()));
-        QTemporaryFile file;
-        QVERIFY(file.open());
-        const auto push =
-            std::async(std::launch::async, [&] { return api.pushDefinition(kToken, 1, file.fileName()); });
-        QTRY_COMPARE(server->Connections(), 1);
+        for (const auto mode : {RawServer::Mode::NoHandshake, RawServer::Mode::Tls}) {
+            HastyAPI api;
+            QCOMPARE(api.m_timeoutSeconds, 30);
+            api.m_timeoutSeconds = 1;
+            QTemporaryFile file;
+            QVERIFY(file.open());
+            std::future<bool> push;
+            // The last, so that its end ends the push.
+            RawServer server([](auto& connection) { connection.Hang(); }, mode);
+            const QString origin = QString::fromStdString(server.Origin());
+            api.setBaseUrl(origin);
+            api.setTrustAnchors(QString::fromStdString(server.CaFile().string()));
+            push = std::async([&] { return api.pushDefinition(kToken, 1, file.fileName()); });
+            QTRY_COMPARE(server.Connections(), 1);
 
-        QElapsedTimer elapsed;
-        elapsed.start();
-        const auto message = api.sendPostRequest("/x", {}, toolkit::Exchange::Read).message;
-        QVERIFY2(message.startsWith("Timed out: "), qPrintable(message));
-        QVERIFY(elapsed.restart() < 25000);
-        QVERIFY(!api.getDefinition(kToken, 1));
-        QVERIFY(elapsed.restart() < 25000);
-        QVERIFY(!api.downloadFile(origin, file.fileName()));
-        QVERIFY(elapsed.restart() < 25000);
-        // The push goes by the toolkit's own.
-        QVERIFY(push.wait_for(std::chrono::seconds(0)) == std::future_status::timeout);
-        server.reset();
-    }
-
-    void unreachable()
-    {
-        VelstrandAPI api;
-        {
-            devservice::Options options;
-            options.devices = options.clones = 0;
-            devservice::DevService gone(options);
-            QVERIFY(gone.start());
-            api.setBaseUrl(gone.origin());
+            QElapsedTimer elapsed;
+            elapsed.start();
+            const auto message = api.sendPostRequest("/x", {}, Exchange::Read).message;
+            QVERIFY2(message.startsWith("Timed out: "), qPrintable(message));
+            QVERIFY(elapsed.restart() < 25000);
+            QVERIFY(!api.getDefinition(kToken, 1) && elapsed.restart() < 25000);
+            QVERIFY(!api.downloadFile(origin, file.fileName()) && elapsed.restart() < 25000);
+            // The push goes by the toolkit's own.
+            QVERIFY(push.wait_for(std::chrono::seconds(0)) == std::future_status::timeout);
         }
-        const auto response = api.sendPostRequest("/x", {}, toolkit::Exchange::Read);
-        QVERIFY(!response.success);
-        QCOMPARE(int(response.code), 0);
-        QVERIFY2(!response.message.isEmpty(), "the toolkit's words are passed on");
-    }
-
-    void untrusted()
-    {
-        m_fixture.service().clearRequests();
-        VelstrandAPI api;
-        api.setTrustAnchors(QString());
-        const auto refused = api.sendPostRequest("/api/v1/device/list", {}, toolkit::Exchange::Read);
-        QVERIFY(!refused.success && !refused.message.isEmpty());
-        api.setTrustAnchors(QStringLiteral("/nonexistent.pem"));
-        QVERIFY(!api.sendPostRequest("/api/v1/device/list", {}, toolkit::Exchange::Read).message.isEmpty());
-        QVERIFY(m_fixture.service().requests().isEmpty());
     }
 
     void concurrentRequests()
     {
         const VelstrandAPI api;
-        const QString token = m_fixture.service().userToken();
+        const QString token = m_fixture->userToken();
         std::atomic<int> done{0};
         std::vector<std::thread> threads;
         for (int i = 0; i < 8; ++i)
@@ -365,7 +298,7 @@ private slots:
 
     void logLines()
     {
-        m_fixture.service().setReply("/api/v1/user/get-info", 200, R"({"success":true,"data":{"a":1}})");
+        m_fixture->setReply("/api/v1/user/get-info", 200, R"({"success":true,"data":{"a":1}})");
         const LogCapture log;
         QJsonObject user;
         VelstrandAPI api;

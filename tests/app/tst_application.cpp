@@ -27,7 +27,15 @@ using devservice::Fault;
 
 namespace {
 
-using Action = std::function<void(Application&)>;
+/// What the controller sends, what it says, and what it asks for anew.
+struct Change {
+    const char* operation;
+    std::function<void(Application&)> send;
+    const char* success;
+    const char* failure;
+    const char* refresh;
+    bool refreshesAfterFailure;
+};
 
 QString api(const char* path)
 {
@@ -46,7 +54,7 @@ AppModel& model()
 
 } // namespace
 
-Q_DECLARE_METATYPE(Action)
+Q_DECLARE_METATYPE(Change)
 
 /// The controller with the real model against the development service.
 class TestApplication : public QObject
@@ -56,7 +64,7 @@ class TestApplication : public QObject
 private slots:
     void init()
     {
-        service().setFarm(m_farm);
+        m_fixture->setFarm(m_farm);
         settings().remove("user_token");
         QThreadPool::globalInstance()->setMaxThreadCount(1); // as a small machine has it
         m_app = std::make_unique<Application>(nullptr);
@@ -68,127 +76,96 @@ private slots:
         settle();
         m_notified.reset();
         m_app.reset();
-        service().clearFaults();
-        service().setLatency(0);
-        service().clearRequests();
+        m_fixture->clearFaults();
+        m_fixture->setLatency(0);
+        m_fixture->clearRequests();
         model().clearFarm();
     }
 
     void interfaceOrder()
     {
-        QStringList names, properties;
+        QStringList names;
         const QMetaObject& meta = Application::staticMetaObject;
         for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
             names.append(QString::fromLatin1(meta.method(i).methodSignature()));
-        for (int i = meta.propertyOffset(); i < meta.propertyCount(); ++i)
-            properties.append(QLatin1String(meta.property(i).name()));
-        QCOMPARE(names, QStringList({"getUserInfo(QVariant)",
-                                     "getDeviceListDone(QVariantList)",
-                                     "getCloneListDone(QVariantList)",
-                                     "getGlobalConfig(QString)",
-                                     "pushNotification(int,QString)",
-                                     "checkUser()",
-                                     "loadAllCachedUsers()",
-                                     "getDeviceList()",
-                                     "confirmSelectedDevice(QObject*)",
-                                     "deleteSelectedDevice(QObject*)",
-                                     "saveDeviceConfig(QObject*)",
-                                     "getCloneList()",
-                                     "updateFarmProfile(QString)",
-                                     "resetSelectedClone()",
-                                     "deleteSelectedClone()",
-                                     "addClone(QString,QString,QString)",
-                                     "uploadDefinition(int,QString)",
-                                     "saveProfileSettings(QObject*)",
-                                     "applyGlobalSetting(int,QString,int,int,QString,int)",
-                                     "getReports()",
-                                     "selectAllClone(bool)",
-                                     "copyUIDsSelectedClones()",
-                                     "updateFilteredClone(QVariantMap)"}));
-        QCOMPARE(properties, QStringList{"appVersion"});
-        QVERIFY(meta.property(meta.propertyOffset()).isConstant());
-    }
-
-    void storedToken_data()
-    {
-        QTest::addColumn<QString>("stored");
-        QTest::newRow("none") << QString();
-        QTest::newRow("one") << QStringLiteral("a \"b\" ö");
+        QCOMPARE(
+            names.join(' '),
+            "getUserInfo(QVariant) getDeviceListDone(QVariantList) getCloneListDone(QVariantList) "
+            "getGlobalConfig(QString) pushNotification(int,QString) checkUser() loadAllCachedUsers() "
+            "getDeviceList() confirmSelectedDevice(QObject*) deleteSelectedDevice(QObject*) "
+            "saveDeviceConfig(QObject*) getCloneList() updateFarmProfile(QString) resetSelectedClone() "
+            "deleteSelectedClone() addClone(QString,QString,QString) uploadDefinition(int,QString) "
+            "saveProfileSettings(QObject*) applyGlobalSetting(int,QString,int,int,QString,int) getReports() "
+            "selectAllClone(bool) copyUIDsSelectedClones() updateFilteredClone(QVariantMap)");
     }
 
     void storedToken()
     {
-        QFETCH(QString, stored);
-        if (!stored.isEmpty())
-            settings().setValue("user_token", stored);
-        const LogCapture log;
-        m_app.reset();
-        m_app = std::make_unique<Application>(nullptr);
-        QCOMPARE(model().userInfo()->token(), stored);
-        QVERIFY(!model().userInfo()->isValidated());
-        const QRegularExpression form(
-            QStringLiteral("^\\[D\\]\\[ loadUserInfo \\]\\[ \\d+ \\] userToken:  \"%1\"$")
-                .arg(QRegularExpression::escape(QString(stored).replace('"', "\\\""))));
-        QVERIFY2(log.lines().filter(form).size() == 1, qPrintable(log.lines().join('\n')));
-    }
-
-    void rejectedToken_data()
-    {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<bool>("clears");
-        QTest::newRow("without a token") << QByteArray(R"({"success":true,"data":{"fullname":"x"}})") << true;
-        QTest::newRow("with an empty one") << QByteArray(R"({"success":true,"data":{"token":""}})") << true;
-        QTest::newRow("with a number") << QByteArray(R"({"success":true,"data":{"token":5}})") << true;
-        QTest::newRow("refused") << QByteArray(R"({"success":false,"data":{"token":"t"}})") << false;
-        QTest::newRow("wrong shape") << QByteArray(R"({"success":true,"data":[]})") << false;
+        for (const QString& stored : {QString(), QStringLiteral("a \"b\" ö")}) {
+            if (!stored.isEmpty())
+                settings().setValue("user_token", stored);
+            const LogCapture log;
+            m_app.reset();
+            m_app = std::make_unique<Application>(nullptr);
+            QCOMPARE(model().userInfo()->token(), stored);
+            QVERIFY(!model().userInfo()->isValidated());
+            const QRegularExpression form(
+                QStringLiteral("^\\[D\\]\\[ loadUserInfo \\]\\[ \\d+ \\] userToken:  \"%1\"$")
+                    .arg(QRegularExpression::escape(QString(stored).replace('"', "\\\""))));
+            QVERIFY2(log.lines().filter(form).size() == 1, qPrintable(log.lines().join('\n')));
+        }
     }
 
     void rejectedToken()
     {
-        QFETCH(QByteArray, answer);
-        QFETCH(bool, clears);
-        service().setReply(api("user/get-info"), 200, answer);
-        for (const bool validated : {false, true}) {
-            signIn("kept");
-            model().userInfo()->setIsValidated(validated);
-            settle();
-            QCoreApplication::processEvents();
-            QCOMPARE(model().userInfo()->token(), clears ? QString() : QStringLiteral("kept"));
-            QCOMPARE(model().userInfo()->isValidated(), validated && !clears);
+        const std::pair<QByteArray, bool> answers[] = {{R"({"success":true,"data":{"fullname":"x"}})", true},
+                                                       {R"({"success":true,"data":{"token":""}})", true},
+                                                       {R"({"success":true,"data":{"token":5}})", true},
+                                                       {R"({"success":false,"data":{"token":"t"}})", false},
+                                                       {R"({"success":true,"data":[]})", false}};
+        for (const auto& [answer, clears] : answers) {
+            m_fixture->setReply(api("user/get-info"), 200, answer);
+            for (const bool validated : {false, true}) {
+                signIn("kept");
+                model().userInfo()->setIsValidated(validated);
+                settle();
+                QCOMPARE(model().userInfo()->token(), clears ? QString() : QStringLiteral("kept"));
+                QCOMPARE(model().userInfo()->isValidated(), validated && !clears);
+            }
         }
         QVERIFY(notifications().isEmpty());
         QVERIFY(!settings().contains("user_token"));
-        QVERIFY(service().requests(api("config/get-global")).isEmpty());
+        QVERIFY(requests("config/get-global").isEmpty());
     }
 
     void lateAnswerAboutAnotherToken()
     {
-        service().setLatency(300);
+        m_fixture->setLatency(300);
         QSignalSpy answers(m_app.get(), &Application::getUserInfo);
         m_app->checkUser(); // about the empty token: would be a rejection
         m_app->checkUser(); // asks nothing more while that is under way
-        QTRY_COMPARE(service().requests(api("user/get-info")).size(), 1);
-        signIn(service().userToken());
+        QTRY_COMPARE(requests("user/get-info").size(), 1);
+        signIn(m_fixture->userToken());
         QTRY_VERIFY(model().userInfo()->isValidated());
         settle();
         QCOMPARE(answers.count(), 1);
-        QCOMPARE(service().requests(api("user/get-info")).size(), 2);
-        QCOMPARE(model().userInfo()->token(), service().userToken());
-        QCOMPARE(settings().value("user_token").toString(), service().userToken());
+        QCOMPARE(requests("user/get-info").size(), 2);
+        QCOMPARE(model().userInfo()->token(), m_fixture->userToken());
+        QCOMPARE(settings().value("user_token").toString(), m_fixture->userToken());
         QCOMPARE(notifications().count("0 Load user info successful!"), 1);
-        QCOMPARE(service().requests(api("config/get-global")).size(), 1);
+        QCOMPARE(requests("config/get-global").size(), 1);
     }
 
     void renamedToken()
     {
-        service().setReply(api("user/get-info"), 200,
-                           R"({"success":true,"data":{"token":"renamed","user_type":"x"}})");
-        signIn(service().userToken());
+        m_fixture->setReply(api("user/get-info"), 200,
+                            R"({"success":true,"data":{"token":"renamed","user_type":"x"}})");
+        signIn(m_fixture->userToken());
         QTRY_VERIFY(model().userInfo()->isValidated());
         settle();
         QCOMPARE(model().userInfo()->token(), QStringLiteral("renamed"));
         QCOMPARE(settings().value("user_token").toString(), QStringLiteral("renamed"));
-        const auto configRequests = service().requests(api("config/get-global"));
+        const auto configRequests = requests("config/get-global");
         QCOMPARE(configRequests.size(), 1);
         QVERIFY(configRequests[0].body.contains("renamed"));
     }
@@ -199,12 +176,12 @@ private slots:
         const LogCapture log;
         m_app->uploadDefinition(5, "/none/such");
         QCOMPARE(notifications(), QStringList{"2 Upload definitions falure!"});
-        QVERIFY(service().requests().isEmpty());
+        QVERIFY(m_fixture->requests().isEmpty());
         QCOMPARE(log.lines().filter(QRegularExpression("^\\[D\\]\\[ uploadDefinition ")).size(), 2);
         QVERIFY(log.lines()[0].endsWith("] ver:  5  file:  \"/none/such\""));
         QVERIFY(log.lines().last().contains("] error:  \""));
         m_app->uploadDefinition(5, QCoreApplication::applicationFilePath());
-        QCOMPARE(service().farm().definitionsVersion, 5);
+        QCOMPARE(m_fixture->farm().definitionsVersion, 5);
     }
 
     void hangingService()
@@ -212,14 +189,14 @@ private slots:
         enter();
         QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
         QSignalSpy clones(m_app.get(), &Application::getCloneListDone);
-        service().setFault(api("device/list"), Fault::Hang);
+        m_fixture->setFault(api("device/list"), Fault::Hang);
         for (int i = 0; i < 4; ++i)
             m_app->getDeviceList();
-        QTRY_COMPARE(service().requests(api("device/list")).size(), 4);
+        QTRY_COMPARE(requests("device/list").size(), 4);
         m_app->getCloneList(); // nothing waits behind the hanging requests
         QTRY_COMPARE(clones.count(), 1);
         QCOMPARE(devices.count(), 0);
-        service().clearFaults();
+        m_fixture->clearFaults();
         QTRY_COMPARE(devices.count(), 4);
     }
 
@@ -228,21 +205,19 @@ private slots:
         enter();
         model().userInfo()->setToken(QString());
         QVERIFY(!model().userInfo()->isValidated());
-        service().setLatency(200);
-        signIn(service().userToken());
+        m_fixture->setLatency(200);
+        signIn(m_fixture->userToken());
         QTRY_VERIFY(model().userInfo()->isValidated());
-        QVERIFY(model().deviceList().isEmpty());
-        QVERIFY(model().cloneList().isEmpty());
-        QVERIFY(!model().globalConfig());
+        QVERIFY(model().deviceList().isEmpty() && model().cloneList().isEmpty() && !model().globalConfig());
         QTRY_VERIFY(!model().deviceList().isEmpty() && !model().cloneList().isEmpty());
 
         // What was asked for one account never arrives in another's.
-        service().clearRequests();
+        m_fixture->clearRequests();
         QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
         QSignalSpy configs(m_app.get(), &Application::getGlobalConfig);
         m_app->getDeviceList();
         m_app->getGlobalConfigAsync();
-        QTRY_COMPARE(service().requests().size(), 2);
+        QTRY_COMPARE(m_fixture->requests().size(), 2);
         model().userInfo()->setToken("another");
         settle();
         QCOMPARE(devices.count() + configs.count(), 0);
@@ -255,107 +230,84 @@ private slots:
         QCOMPARE(model().cloneList().size(), m_farm.clones.size());
         m_app->getDeviceList();
         settle();
-        QCOMPARE(service().requests(api("device/list")).size(), 1);
-        QCOMPARE(service().requests(api("clone/list")).size(), 0);
+        QCOMPARE(requests("device/list").size(), 1);
+        QCOMPARE(requests("clone/list").size(), 0);
         model().setClones({});
         m_app->getDeviceList();
         settle();
-        QCOMPARE(service().requests(api("clone/list")).size(), 1);
+        QCOMPARE(requests("clone/list").size(), 1);
         QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size());
     }
 
     void failedLists()
     {
         enter();
-        service().setFault(api("device/list"), Fault::WrongShape);
-        service().setFault(api("clone/list"), Fault::Cut);
+        m_fixture->setFault(api("device/list"), Fault::WrongShape);
+        m_fixture->setFault(api("clone/list"), Fault::Cut);
+        m_fixture->setFault(api("reports/get"), Fault::WrongShape);
         QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
         QSignalSpy clones(m_app.get(), &Application::getCloneListDone);
+        QSignalSpy reports(&model(), &AppModel::reportListChanged);
         m_app->getDeviceList();
         m_app->getCloneList();
-        QTRY_COMPARE(notifications().size(), 2);
-        QVERIFY(notifications().contains("2 Load device list failure!"));
-        QVERIFY(notifications().contains("2 Load clone list failure!"));
-        QCOMPARE(devices.size() + clones.size(), 2);
-        QVERIFY(model().deviceList().isEmpty());
-        QVERIFY(model().cloneList().isEmpty());
+        m_app->getReports();
+        QTRY_COMPARE(notifications().size(), 3);
+        for (const char* list : {"device", "clone", "report"})
+            QVERIFY2(notifications().contains(QStringLiteral("2 Load %1 list failure!").arg(list)), list);
+        QVERIFY(devices.count() == 1 && clones.count() == 1 && reports.isEmpty());
+        QVERIFY(model().deviceList().isEmpty() && model().cloneList().isEmpty());
     }
 
     void changes_data()
     {
-        QTest::addColumn<Action>("action");
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("successText");
-        QTest::addColumn<QString>("failureText");
-        QTest::addColumn<QString>("refreshPath");
-        QTest::addColumn<bool>("refreshAfterFailure");
-        const auto row = [](const char* path, const Action& action, const char* done, const char* failed,
-                            const char* refresh, bool always) {
-            QTest::newRow(path) << action << api(path) << QString(done) << QString(failed) << api(refresh)
-                                << always;
-        };
+        QTest::addColumn<Change>("change");
         const auto device = [] { return model().deviceList().first(); };
         const auto tick = [] { model().clones().first()->setSelected(true); };
-        row(
-            "device/confirm", [=](auto& app) { app.confirmSelectedDevice(device()); }, "",
-            "2 Confirm device failure!", "device/list", false);
-        row(
-            "device/delete", [=](auto& app) { app.deleteSelectedDevice(device()); }, "",
-            "2 Delete device failure!", "device/list", true);
-        row(
-            "device/save-config", [=](auto& app) { app.saveDeviceConfig(device()); },
-            "0 Save device config successful!", "2 Save device config falure!", "", false);
-        row(
-            "clone/update-farm-profile", [=](auto& app) { tick(), app.updateFarmProfile("Warm-up"); }, "",
-            "2 Update farm profile failure!", "clone/list", true);
-        row(
-            "clone/reset-live", [=](auto& app) { tick(), app.resetSelectedClone(); }, "",
-            "2 Reset clone failure!", "clone/list", false);
-        row(
-            "clone/delete", [=](auto& app) { tick(), app.deleteSelectedClone(); }, "",
-            "2 Delete clone failure!", "clone/list", true);
-        row(
-            "clone/add", [](auto& app) { app.addClone("new-1|p", "facebook", "Warm-up"); }, "",
-            "2 Add clone failure!", "clone/list", false);
-        row(
-            "config/update-global", [](auto& app) { app.applyGlobalSetting(7, "", 0, 0, "", 0); },
-            "0 Save global config successful!", "2 Save global config failure!", "config/get-global", false);
-        row(
-            "user/upsert-farm-profile",
-            [](auto& app) { app.saveProfileSettings(model().userInfo()->farmProfiles().first()); },
-            "0 Save profile successful!", "2 Save profile failure!", "user/get-info", false);
-        row(
-            "definitions/push",
-            [](auto& app) { app.uploadDefinition(5, QCoreApplication::applicationFilePath()); },
-            "0 Upload definitions successful!", "2 Upload definitions falure!", "", false);
+        const Change changes[] = {
+            {"device/confirm", [=](auto& app) { app.confirmSelectedDevice(device()); }, "",
+             "2 Confirm device failure!", "device/list", false},
+            {"device/delete", [=](auto& app) { app.deleteSelectedDevice(device()); }, "",
+             "2 Delete device failure!", "device/list", true},
+            {"device/save-config", [=](auto& app) { app.saveDeviceConfig(device()); },
+             "0 Save device config successful!", "2 Save device config falure!", "", false},
+            {"clone/update-farm-profile", [=](auto& app) { tick(), app.updateFarmProfile("Warm-up"); }, "",
+             "2 Update farm profile failure!", "clone/list", true},
+            {"clone/reset-live", [=](auto& app) { tick(), app.resetSelectedClone(); }, "",
+             "2 Reset clone failure!", "clone/list", false},
+            {"clone/delete", [=](auto& app) { tick(), app.deleteSelectedClone(); }, "",
+             "2 Delete clone failure!", "clone/list", true},
+            {"clone/add", [](auto& app) { app.addClone("new-1|p", "facebook", "Warm-up"); }, "",
+             "2 Add clone failure!", "clone/list", false},
+            {"config/update-global", [](auto& app) { app.applyGlobalSetting(7, "", 0, 0, "", 0); },
+             "0 Save global config successful!", "2 Save global config failure!", "config/get-global", false},
+            {"user/upsert-farm-profile",
+             [](auto& app) { app.saveProfileSettings(model().userInfo()->farmProfiles().first()); },
+             "0 Save profile successful!", "2 Save profile failure!", "user/get-info", false},
+            {"definitions/push",
+             [](auto& app) { app.uploadDefinition(5, QCoreApplication::applicationFilePath()); },
+             "0 Upload definitions successful!", "2 Upload definitions falure!", "", false}};
+        for (const Change& change : changes)
+            QTest::newRow(change.operation) << change;
     }
 
     void changes()
     {
-        QFETCH(Action, action);
-        QFETCH(QString, path);
-        QFETCH(QString, successText);
-        QFETCH(QString, failureText);
-        QFETCH(QString, refreshPath);
-        QFETCH(bool, refreshAfterFailure);
-        enter();
-
-        action(*m_app);
-        settle();
-        QCOMPARE(service().requests(path).size(), 1);
-        QStringList told = notifications();
-        told.removeAll("0 Load user info successful!"); // saving a profile asks for the user again
-        QCOMPARE(told, successText.isEmpty() ? QStringList() : QStringList{successText});
-        QCOMPARE(service().requests(refreshPath).size(), refreshPath == api("") ? 0 : 1);
-        QVERIFY(refreshPath == api("device/list") || service().requests(api("device/list")).isEmpty());
-
-        enter();
-        service().setFault(path, Fault::Refuse);
-        action(*m_app);
-        settle();
-        QCOMPARE(notifications(), QStringList{failureText});
-        QCOMPARE(service().requests(path).size(), 1);
-        QCOMPARE(service().requests(refreshPath).size(), refreshAfterFailure ? 1 : 0);
+        QFETCH(Change, change);
+        const bool refreshes = *change.refresh;
+        for (const bool fails : {false, true}) {
+            enter();
+            if (fails)
+                m_fixture->setFault(api(change.operation), Fault::Refuse);
+            change.send(*m_app);
+            settle();
+            QCOMPARE(requests(change.operation).size(), 1);
+            QStringList told = notifications();
+            told.removeAll("0 Load user info successful!"); // saving a profile asks for the user again
+            QCOMPARE(told.join('|'), fails ? change.failure : change.success);
+            QCOMPARE(requests(change.refresh).size(),
+                     refreshes && (!fails || change.refreshesAfterFailure) ? 1 : 0);
+            QVERIFY(change.refresh == QString("device/list") || requests("device/list").isEmpty());
+        }
     }
 
     void savingTakesTheValuesOfTheMoment()
@@ -365,7 +317,7 @@ private slots:
         const QString id = device->androidId();
         device->deviceConfig()->setDeviceLabel("as typed");
         device->deviceConfig()->setConnectivityType(1);
-        service().setLatency(200);
+        m_fixture->setLatency(200);
         m_app->saveDeviceConfig(device);
         device->deviceConfig()->setDeviceLabel("typed later");
         model().userInfo()->setToken("another");
@@ -374,17 +326,15 @@ private slots:
         QTRY_COMPARE(notifications(), QStringList{"0 Save device config successful!"});
         const QJsonObject config{{"connectivity_type", 1}, {"device_label", "as typed"}};
         const QJsonObject body{
-            {"token", service().adminToken()}, {"android_id", id}, {"device_config", config}};
-        QCOMPARE(
-            QJsonDocument::fromJson(service().requests(api("device/save-config")).value(0).body).object(),
-            body);
+            {"token", m_fixture->adminToken()}, {"android_id", id}, {"device_config", config}};
+        QCOMPARE(QJsonDocument::fromJson(requests("device/save-config").value(0).body).object(), body);
     }
 
     void importSendsOnlyWholeLines()
     {
         enter();
         m_app->addClone(" \n\nonly-uid\n", "facebook", "Warm-up");
-        QVERIFY(service().requests(api("clone/add")).isEmpty());
+        QVERIFY(requests("clone/add").isEmpty());
         m_app->addClone("u1|p1|s1|more\nbroken\nu2|p2", "facebook", "Warm-up");
         settle();
         QTRY_COMPARE(model().cloneList().size(), m_farm.clones.size() + 2);
@@ -398,7 +348,7 @@ private slots:
     {
         enter();
         m_app->applyGlobalSetting(0, "http://x/ä.apk", 12, 13, "", -1);
-        const auto body = service().requests(api("config/update-global")).value(0).body;
+        const auto body = requests("config/update-global").value(0).body;
         const QJsonObject config{{"facebook_app_version", "12"},
                                  {"velstrand_manager_app_version", "13"},
                                  {"velstrand_android_app_path", "http://x/ä.apk"},
@@ -421,10 +371,6 @@ private slots:
             QCOMPARE(QJsonObject::fromVariantMap(day->details()),
                      expected.value("device_details").toObject());
         }
-        service().setFault(api("reports/get"), Fault::WrongShape);
-        m_app->getReports();
-        QTRY_COMPARE(notifications(), QStringList{"2 Load report list failure!"});
-        QCOMPARE(changed.count(), 1);
     }
 
     void copyUids()
@@ -451,27 +397,27 @@ private slots:
         QVERIFY(timer->isActive() && !timer->isSingleShot());
 
         // During a slow check ticks are dropped; later ones are not.
-        service().setLatency(150);
+        m_fixture->setLatency(150);
         timer->setInterval(1);
         QElapsedTimer elapsed;
         elapsed.start();
-        QTRY_COMPARE(service().requests(api("config/get-global")).size(), 3);
+        QTRY_COMPARE(requests("config/get-global").size(), 3);
         QVERIFY(elapsed.elapsed() >= 2 * 150);
         timer->stop();
         settle();
 
         // A check that ends before the tick returns leaves nothing behind.
-        service().setLatency(0);
-        service().clearRequests();
+        m_fixture->setLatency(0);
+        m_fixture->clearRequests();
         timer->start();
-        QTRY_VERIFY(service().requests(api("config/get-global")).size() > 10);
-        QVERIFY(service().requests(QStringLiteral("/packages/velstrand_18.zip")).isEmpty());
+        QTRY_VERIFY(requests("config/get-global").size() > 10);
+        QVERIFY(m_fixture->requests(QStringLiteral("/packages/velstrand_18.zip")).isEmpty());
     }
 
     void closingWithJobsInFlight()
     {
         enter();
-        service().setLatency(100);
+        m_fixture->setLatency(100);
         QObject* const device = model().deviceList().first();
         for (const int wait : {0, 50, 100, 150}) {
             m_app->getDeviceList();
@@ -482,7 +428,7 @@ private slots:
             QThread::msleep(ulong(wait));
             m_app.reset();
             m_app = std::make_unique<Application>(nullptr);
-            model().userInfo()->setToken(service().adminToken());
+            model().userInfo()->setToken(m_fixture->adminToken());
         }
         settle();
     }
@@ -494,17 +440,17 @@ private slots:
         const QString cwd = QDir::currentPath();
         QVERIFY(QDir::setCurrent(folder.path()));
         const QString package = QStringLiteral("/packages/velstrand_19.zip");
-        service().setReply(package, 200, packZip({{"readme", "x"}}));
+        m_fixture->setReply(package, 200, packZip({{"readme", "x"}}));
         devservice::Farm farm = m_farm;
         farm.globalConfig["velstrand_manager_app_version"] = "19";
-        farm.globalConfig["velstrand_manager_app_path"] = service().origin() + package;
-        service().setFarm(farm);
+        farm.globalConfig["velstrand_manager_app_path"] = m_fixture->origin() + package;
+        m_fixture->setFarm(farm);
         enter();
         auto* const timer = m_app->findChild<QTimer*>();
         timer->setInterval(1);
         QTRY_VERIFY(!timer->isActive());
-        QCOMPARE(service().requests(api("config/get-global")).size(), 1);
-        QCOMPARE(service().requests(package).size(), 1);
+        QCOMPARE(requests("config/get-global").size(), 1);
+        QCOMPARE(m_fixture->requests(package).size(), 1);
         QVERIFY(QDir::setCurrent(cwd));
     }
 
@@ -518,13 +464,13 @@ private:
     /// Signs in, and returns with both lists in the model and no job running.
     void enter()
     {
-        signIn(service().adminToken());
+        signIn(m_fixture->adminToken());
         QTRY_VERIFY_WITH_TIMEOUT(!model().cloneList().isEmpty() && !model().deviceList().isEmpty() &&
                                      model().globalConfig(),
                                  30000);
         settle();
         m_notified->clear();
-        service().clearRequests();
+        m_fixture->clearRequests();
     }
 
     /// Waits until no job runs and no answer starts another.
@@ -543,10 +489,14 @@ private:
         return texts;
     }
 
-    devservice::DevService& service() { return m_fixture.service(); }
+    /// What came for that operation.
+    QVector<devservice::Request> requests(const char* operation)
+    {
+        return m_fixture->requests(api(operation));
+    }
 
     ServiceFixture m_fixture;
-    devservice::Farm m_farm = m_fixture.service().farm();
+    devservice::Farm m_farm = m_fixture->farm();
     std::unique_ptr<Application> m_app;
     std::unique_ptr<QSignalSpy> m_notified;
 };

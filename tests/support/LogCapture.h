@@ -10,40 +10,27 @@ class LogCapture
 public:
     LogCapture()
     {
-        self() = this;
+        const QMutexLocker lock(&m_mutex);
+        m_lines.clear();
         m_previous = qInstallMessageHandler(collect);
     }
-    ~LogCapture()
-    {
-        qInstallMessageHandler(m_previous);
-        const QMutexLocker lock(&mutex());
-        self() = nullptr;
-    }
+    ~LogCapture() { qInstallMessageHandler(m_previous); }
 
     QStringList lines() const
     {
-        const QMutexLocker lock(&mutex());
+        const QMutexLocker lock(&m_mutex);
         return m_lines;
     }
 
 private:
-    static LogCapture*& self()
-    {
-        static LogCapture* capture = nullptr;
-        return capture;
-    }
-    static QMutex& mutex()
-    {
-        static QMutex guard;
-        return guard;
-    }
     static void collect(QtMsgType, const QMessageLogContext&, const QString& message)
     {
-        const QMutexLocker lock(&mutex());
-        if (self())
-            self()->m_lines.append(message);
+        const QMutexLocker lock(&m_mutex);
+        m_lines.append(message);
     }
 
+    // Static, because a thread that is still logging may outlive the object.
+    static inline QMutex m_mutex;
+    static inline QStringList m_lines;
     QtMessageHandler m_previous;
-    QStringList m_lines;
 };
