@@ -48,12 +48,10 @@ class TestRecords : public QObject
 private slots:
     void keys();
     void changeSignals();
-    void anyValue_data();
     void anyValue();
     void ages();
     void globalConfig();
     void profile();
-    void answers_data();
     void answers();
     void profilesAreReplacedWhole();
     void tempProfiles();
@@ -108,25 +106,23 @@ void TestRecords::changeSignals()
     }
 }
 
-void TestRecords::anyValue_data()
-{
-    QTest::addColumn<QString>("expected"); // as text, integer and flag
-    QTest::newRow("\"a\\u0000<b>\\n\"") << QStringLiteral("a\0<b>\n 0 0");
-    QTest::newRow("\"255\"") << "255 0 0";
-    QTest::newRow("2.75") << "2.75 2 0";
-    QTest::newRow("2147483648") << "2147483648 0 0";
-    QTest::newRow("9007199254740993") << "9007199254740993 0 0";
-    QTest::newRow("1e20") << "100000000000000000000 0 0";
-    QTest::newRow("true") << " 0 1";
-    QTest::newRow("[1]") << " 0 0";
-}
-
 void TestRecords::anyValue()
 {
-    const QByteArray json = QTest::currentDataTag();
-    const CloneInfo clone(
-        parse("{\"uid\":" + json + ",\"status\":" + json + ",\"novery\":" + json + "}").toVariantMap(), 0);
-    QTEST(QString("%1 %2 %3").arg(clone.uid()).arg(clone.status()).arg(clone.novery()), "expected");
+    // In JSON; read as a text, an integer and a flag.
+    const std::pair<QByteArray, QString> values[] = {{R"("a\u0000<b>\n")", QStringLiteral("a\0<b>\n 0 0")},
+                                                     {R"("255")", "255 0 0"},
+                                                     {"2.75", "2.75 2 0"},
+                                                     {"2147483648", "2147483648 0 0"},
+                                                     {"9007199254740993", "9007199254740993 0 0"},
+                                                     {"1e20", "100000000000000000000 0 0"},
+                                                     {"true", " 0 1"},
+                                                     {"[1]", " 0 0"}};
+    for (const auto& [json, expected] : values) {
+        const CloneInfo clone(
+            parse("{\"uid\":" + json + ",\"status\":" + json + ",\"novery\":" + json + "}").toVariantMap(),
+            0);
+        QCOMPARE(QString("%1 %2 %3").arg(clone.uid()).arg(clone.status()).arg(clone.novery()), expected);
+    }
 }
 
 void TestRecords::ages()
@@ -171,40 +167,33 @@ void TestRecords::profile()
              "share_create_profile_page");
 }
 
-void TestRecords::answers_data()
-{
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<QString>("expected"); // token|validated|full name|type|user name|phone|profiles
-    const auto row = [](const char* name, const char* answer, const char* expected) {
-        QTest::newRow(name) << QByteArray(answer) << QString(expected);
-    };
-    row("all fields", R"({"token":"new","fullname":"N","user_type":255,"username":"n","phonenumber":"2",
-        "farm_profiles":{"b":{},"a":{}}})",
-        "new|true|N|255|n|2|a b");
-    row("only the token", R"({"token":"old"})", "old|true|Old|3|olduser|111|Kept");
-    row("a type that is no number", R"({"token":"new","user_type":"255"})",
-        "new|true|Old|0|olduser|111|Kept");
-    row("no profiles any more", R"({"token":"new","farm_profiles":{}})", "new|true|Old|3|olduser|111|");
-    row("profiles of another shape", R"({"token":"new","farm_profiles":[{}]})",
-        "new|true|Old|3|olduser|111|");
-    row("a rejection", R"({"token":"","fullname":"N","farm_profiles":{}})", "|false|Old|3|olduser|111|Kept");
-}
-
 void TestRecords::answers()
 {
-    QFETCH(QByteArray, answer);
-    for (const bool validated : {false, true}) {
-        UserInfo user("old");
-        user.applyInfo(parse(R"({"token":"old","fullname":"Old","user_type":3,"username":"olduser",
-            "phonenumber":"111","farm_profiles":{"Kept":{}}})"));
-        user.setIsValidated(validated);
-        QCOMPARE(user.applyInfo(parse(answer)), user.isValidated());
-        QStringList seen;
-        for (const char* name : {"token", "isValidated", "fullName", "userType", "userName", "phoneNumber"})
-            seen << user.property(name).toString();
-        QTEST((seen << names(user.farmProfiles())).join('|'), "expected");
-        user.setToken("");
-        QVERIFY(!user.isValidated());
+    // What the record is then: token|validated|full name|type|user name|phone|profiles.
+    const std::pair<QByteArray, QString> answers[] = {
+        {R"({"token":"new","fullname":"N","user_type":255,"username":"n","phonenumber":"2",
+            "farm_profiles":{"b":{},"a":{}}})",
+         "new|true|N|255|n|2|a b"},
+        {R"({"token":"old"})", "old|true|Old|3|olduser|111|Kept"},
+        {R"({"token":"new","user_type":"255"})", "new|true|Old|0|olduser|111|Kept"},
+        {R"({"token":"new","farm_profiles":{}})", "new|true|Old|3|olduser|111|"},
+        {R"({"token":"new","farm_profiles":[{}]})", "new|true|Old|3|olduser|111|"},
+        {R"({"token":"","fullname":"N","farm_profiles":{}})", "|false|Old|3|olduser|111|Kept"}};
+    for (const auto& [answer, expected] : answers) {
+        for (const bool validated : {false, true}) {
+            UserInfo user("old");
+            user.applyInfo(parse(R"({"token":"old","fullname":"Old","user_type":3,"username":"olduser",
+                "phonenumber":"111","farm_profiles":{"Kept":{}}})"));
+            user.setIsValidated(validated);
+            QCOMPARE(user.applyInfo(parse(answer)), user.isValidated());
+            QStringList seen;
+            for (const char* name :
+                 {"token", "isValidated", "fullName", "userType", "userName", "phoneNumber"})
+                seen << user.property(name).toString();
+            QCOMPARE((seen << names(user.farmProfiles())).join('|'), expected);
+            user.setToken("");
+            QVERIFY(!user.isValidated());
+        }
     }
 }
 

@@ -49,52 +49,44 @@ class TestTransfers : public QObject
     Q_OBJECT
 
 private slots:
-    void uploadOnTheWire_data()
-    {
-        QTest::addColumn<QString>("fileName");
-        QTest::addColumn<QByteArray>("sentName");
-        QTest::addColumn<int>("size");
-        QTest::newRow("empty") << "two  blanks.zip" << QByteArray("two  blanks.zip") << 0;
-        QTest::newRow("quotes") << "a\"b'c.zip" << QByteArray("a%22b'c.zip") << 300000;
-        QTest::newRow("line break") << "a\nb\\c.zip" << QByteArray("a%0Ab\\c.zip") << 9;
-    }
     void uploadOnTheWire()
     {
-        QFETCH(QString, fileName);
-        QFETCH(QByteArray, sentName);
-        QFETCH(int, size);
-        QTemporaryDir folder;
-        QByteArray bytes(size, '\0');
-        for (int i = 0; i < size; ++i)
-            bytes[i] = static_cast<char>(i * 7 + i / 251);
-        const QString path = writeFile(folder.filePath(fileName), bytes);
         RawServer server(RawServer::Always(RawServer::Ok("{\"success\":true}")), Mode::Tls);
+        const std::tuple<QString, QByteArray, int> files[] = {{"two  blanks.zip", "two  blanks.zip", 0},
+                                                              {"a\"b'c.zip", "a%22b'c.zip", 300000},
+                                                              {"a\nb\\c.zip", "a%0Ab\\c.zip", 9}};
+        for (const auto& [fileName, sentName, size] : files) {
+            QTemporaryDir folder;
+            QByteArray bytes(size, '\0');
+            for (int i = 0; i < size; ++i)
+                bytes[i] = static_cast<char>(i * 7 + i / 251);
+            HttpRequest request = Push();
+            QVERIFY(request.AddFileForUpload("definitions",
+                                             writeFile(folder.filePath(fileName), bytes).toStdString()));
+            HttpClient client;
+            client.SetTrustAnchors(server.CaFile());
+            client.SetRequestHeader("Content-Type", "application/json");
+            const auto answer = client.SynchronousRequest("localhost", server.Port(), true, request);
+            QVERIFY2(answer && answer->BodyStr() == "{\"success\":true}", client.LastErrorText().c_str());
 
-        HttpRequest request = Push();
-        QVERIFY2(request.AddFileForUpload("definitions", path.toStdString()),
-                 request.LastErrorText().c_str());
-        HttpClient client;
-        client.SetTrustAnchors(server.CaFile());
-        client.SetRequestHeader("Content-Type", "application/json");
-        const auto answer = client.SynchronousRequest("localhost", server.Port(), true, request);
-        QVERIFY2(answer && answer->BodyStr() == "{\"success\":true}", client.LastErrorText().c_str());
-
-        QCOMPARE(server.Requests().size(), std::size_t(1));
-        const auto sent = QByteArray::fromStdString(server.Requests()[0]);
-        const int headEnd = sent.indexOf("\r\n\r\n") + 2;
-        const QByteArray head = sent.left(headEnd);
-        QVERIFY(head.startsWith("POST /api/v1/definitions/push HTTP/1.1\r\n"));
-        QVERIFY(head.contains("\r\nConnection: Keep-Alive\r\ntoken: T-1\r\nAccept: text/html\r\n"));
-        QCOMPARE(head.count("\r\nContent-Type: "), 1);
-        QVERIFY(!head.contains("Transfer-Encoding") && !head.contains("Expect"));
-        const int boundaryAt = head.indexOf("boundary=") + 9;
-        const QByteArray boundary = "--" + head.mid(boundaryAt, head.indexOf('\r', boundaryAt) - boundaryAt);
-        const QByteArray part = boundary + "\r\nContent-Disposition: form-data; name=";
-        QCOMPARE(sent.mid(headEnd + 2), part + "\"version\"\r\n\r\n7\r\n" + part +
-                                            "\"note\"\r\n\r\ntwo\r\nlines\r\n" + part +
-                                            "\"definitions\"; filename=\"" + sentName +
-                                            "\"\r\nContent-Type: application/octet-stream\r\n\r\n" + bytes +
-                                            "\r\n" + boundary + "--\r\n");
+            const auto sent = QByteArray::fromStdString(server.Requests().back());
+            const int headEnd = sent.indexOf("\r\n\r\n") + 2;
+            const QByteArray head = sent.left(headEnd);
+            QVERIFY(head.startsWith("POST /api/v1/definitions/push HTTP/1.1\r\n"));
+            QVERIFY(head.contains("\r\nConnection: Keep-Alive\r\ntoken: T-1\r\nAccept: text/html\r\n"));
+            QCOMPARE(head.count("\r\nContent-Type: "), 1);
+            QVERIFY(!head.contains("Transfer-Encoding") && !head.contains("Expect"));
+            const int boundaryAt = head.indexOf("boundary=") + 9;
+            const QByteArray boundary =
+                "--" + head.mid(boundaryAt, head.indexOf('\r', boundaryAt) - boundaryAt);
+            const QByteArray part = boundary + "\r\nContent-Disposition: form-data; name=";
+            QCOMPARE(sent.mid(headEnd + 2), part + "\"version\"\r\n\r\n7\r\n" + part +
+                                                "\"note\"\r\n\r\ntwo\r\nlines\r\n" + part +
+                                                "\"definitions\"; filename=\"" + sentName +
+                                                "\"\r\nContent-Type: application/octet-stream\r\n\r\n" +
+                                                bytes + "\r\n" + boundary + "--\r\n");
+        }
+        QCOMPARE(server.Requests().size(), std::size_t(3));
     }
 
     void slowUpload()
