@@ -149,7 +149,7 @@ Item {
                 delegate: CloneRow {
                     columnWidth: page.width / page.columns.length
                     checkable: list.checkable
-                    onHeld: toolBox.hidden = false
+                    onToolBoxRequested: toolBox.hidden = false
                 }
             }
         }

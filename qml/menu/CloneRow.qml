@@ -14,7 +14,7 @@ ListRow {
     property real columnWidth
     property bool checkable: false
 
-    signal held()
+    signal toolBoxRequested()
 
     // A TableCell in all but its base, which would be one more layer in each of thousands.
     component Cell: Text {
@@ -47,8 +47,8 @@ ListRow {
     Accessible.onPressAction: view.currentIndex = index
 
     Keys.onSpacePressed: function(event) { if (!event.isAutoRepeat) modelData.selected = !modelData.selected }
-    Keys.onReturnPressed: held()
-    Keys.onEnterPressed: held()
+    Keys.onReturnPressed: toolBoxRequested()
+    Keys.onEnterPressed: toolBoxRequested()
 
     Rectangle {
         objectName: "rowBackground"
@@ -115,7 +115,7 @@ ListRow {
         }
         onPressAndHold: {
             row.view.currentIndex = row.index
-            row.held()
+            row.toolBoxRequested()
         }
         onDoubleClicked: function(mouse) {
             if (mouse.x >= uidCell.x && mouse.x < uidCell.x + uidCell.width)
