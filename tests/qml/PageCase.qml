@@ -45,6 +45,21 @@ TestCase {
             keyClick(letter)
     }
 
+    /// In place of what the field with the keyboard holds.
+    function retype(letters) {
+        keyClick(Qt.Key_A, Qt.ControlModifier)
+        keyClick(Qt.Key_Delete)
+        type(letters)
+    }
+
+    /// Tab goes to these items, one after the other.
+    function verifyTabs(names) {
+        for (const name of names) {
+            keyClick(Qt.Key_Tab)
+            compare(window.activeFocusItem.objectName, name)
+        }
+    }
+
     /// No modifiers with the letter: for those the test would press another Control.
     function pressControl(key) {
         keyPress(Qt.Key_Control, Qt.ControlModifier)

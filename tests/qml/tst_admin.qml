@@ -1,10 +1,7 @@
 import QtQuick 2.15
-import QtTest 1.15
 import "qrc:/qml/Format.js" as Format
 
 PageCase {
-    id: suite
-
     readonly property string someFile: Format.localPath(Qt.resolvedUrl("scene.js"))
 
     function prepare() {
@@ -16,10 +13,8 @@ PageCase {
     }
 
     function edit(setting, value) {
-        mouseClick(find("editor", find(setting)))
-        keyClick(Qt.Key_A, Qt.ControlModifier)
-        keyClick(Qt.Key_Delete)
-        type(value)
+        click("editor", find(setting))
+        retype(value)
     }
 
     name: "AdminSettings"
@@ -59,21 +54,16 @@ PageCase {
         compare([sheet.width, sheet.height], [page.width, page.height])
         for (const [version, path, enabled] of [["28", "", false], ["0", "/x", false], ["-3", "/x", false],
                                                 ["abc", "/x", false], ["", "/x", false], ["28", someFile, true]]) {
-            keyClick(Qt.Key_A, Qt.ControlModifier)
-            keyClick(Qt.Key_Delete)
-            type(version)
+            retype(version)
             find("path", sheet).text = path
             compare(upload.enabled, enabled, version + " " + path)
         }
-        for (const name of ["path", "browser", "upload"]) {
-            keyClick(Qt.Key_Tab)
-            verify(find(name, sheet).activeFocus)
-        }
+        verifyTabs(["path", "browser", "upload"])
         keyClick(Qt.Key_Return)
         verify(!sheet.visible && find("apply").enabled)
-        tryVerify(() => Service.definitions().version === 28)
-        compare(Service.definitions().fileName, "scene.js")
-        verify(Service.definitions().size > 0)
+        tryVerify(() => Service.definitions()[0] === 28)
+        const [, fileName, size] = Service.definitions()
+        verify(fileName === "scene.js" && size > 0)
 
         click("uploadNewDefinitions")
         keyClick(Qt.Key_Escape)

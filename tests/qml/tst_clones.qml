@@ -1,10 +1,7 @@
 import QtQuick 2.15
-import QtTest 1.15
 import "scene.js" as Scene
 
 PageCase {
-    id: suite
-
     function clone(index, uid, device, status, profile, restriction) {
         return { id: "id" + index, uid: uid, device_id: device, status: status, farm_profile: profile, network: "facebook",
                  restriction: restriction, cookies: "", email: "", firstname: "", lastname: "", mail_password: "",
@@ -101,22 +98,16 @@ PageCase {
         verifyNumbers([1, 2, 3, 4, 5, 6])
     }
 
-    function test_filterOutlivesARefresh() {
+    function test_filterStays() {
         setFilter(2, "dev-b")
         verifyNumbers([2, 5])
         Service.clones = [clone(7, "107", "dev-b", 1, "", 1)].concat(Service.clones)
         find("cloneView").forceActiveFocus()
         keyClick(Qt.Key_F5)
         verifyNumbers([1, 3, 6])
-        setFilter(2, "")
-        tryCompare(AppModel, "totalFilteredClones", 7)
-    }
-
-    function test_filterOutlivesThePage() {
-        setFilter(2, "dev-b")
         open(0)
         open(2)
-        compare(AppModel.totalFilteredClones, 2)
+        compare(AppModel.totalFilteredClones, 3)
     }
 
     function test_pasteOfTenThousandLines() {
@@ -273,13 +264,12 @@ PageCase {
         pressControl(Qt.Key_A)
         verify(!AppModel.cloneList[0].selected)
         compare([network.currentText, profile.currentIndex, add.enabled], ["none", 0, false])
-        field.text = "900|secret|2fa\nno bar\n901|other"
-        verify(!add.enabled)
-        network.currentIndex = 2
-        verify(add.enabled)
-        field.text = ""
-        verify(!add.enabled)
-        field.text = "900|secret|2fa\nno bar\n901|other"
+        const lines = "900|secret|2fa\nno bar\n901|other"
+        for (const [index, text, enabled] of [[0, lines, false], [2, "", false], [2, lines, true]]) {
+            network.currentIndex = index
+            field.text = text
+            compare(add.enabled, enabled)
+        }
         profile.currentIndex = 1
         mouseClick(add)
         verify(!popup.visible)
@@ -288,25 +278,20 @@ PageCase {
                 [["900", "secret", "2fa", "tiktok", profile.currentText], ["901", "other", "", "tiktok", profile.currentText]])
     }
 
-    function test_keyboardReachesWhatShows_data() {
+    function test_keyboardReachesWhatShows() {
         const always = ["filter0", "filter2", "filter3", "filter5", "cloneRow0", "expandButton"]
-        return [
-            { tag: "closed", open: false, reached: always.concat("userBlock") },
-            { tag: "open", open: true,
-              reached: always.concat("addButton", "deleteButton", "resetButton", "profileBox", "selectAll", "userBlock") }
-        ]
-    }
-
-    function test_keyboardReachesWhatShows(data) {
-        if (data.open)
-            openToolBox()
-        find("filter0").forceActiveFocus(Qt.TabFocusReason)
-        const reached = []
-        while (reached.length < 20 && !reached.includes("userBlock")) {
-            reached.push(window.activeFocusItem.objectName)
-            keyClick(Qt.Key_Tab)
+        const tools = ["addButton", "deleteButton", "resetButton", "profileBox", "selectAll"]
+        for (const expected of [always.concat("userBlock"), always.concat(tools, "userBlock")]) {
+            find("filter0").forceActiveFocus(Qt.TabFocusReason)
+            const reached = []
+            while (reached.length < 20 && !reached.includes("userBlock")) {
+                reached.push(window.activeFocusItem.objectName)
+                keyClick(Qt.Key_Tab)
+            }
+            compare(reached.filter(name => name !== "cloneView" && name !== "check"), expected)
+            if (!expected.includes("addButton"))
+                openToolBox()
         }
-        compare(reached.filter(name => name !== "cloneView" && name !== "check"), data.reached)
     }
 
     function test_hostileTexts() {

@@ -1,9 +1,6 @@
 import QtQuick 2.15
-import QtTest 1.15
 
 PageCase {
-    id: suite
-
     function device(id, status, connectivity, label) {
         return { android_id: id, model: "VX-1", status: status, user_id: "u1", last_getting_job_ts: Date.now() - 3725000,
                  device_config: { connectivity_type: connectivity, device_label: label } }
@@ -85,13 +82,10 @@ PageCase {
         const save = find("saveButton", item)
         verify(!save.enabled)
         click("label", item)
-        keyClick(Qt.Key_A, Qt.ControlModifier)
-        type("new <b>")
+        retype("new <b>")
         verify(save.enabled)
-        keyClick(Qt.Key_A, Qt.ControlModifier)
-        type("one")
+        retype("one")
         verify(!save.enabled)
-        keyClick(Qt.Key_Delete)
         keyClick("!")
         find("connectivity", item).forceActiveFocus()
         keyClick(Qt.Key_Down)
@@ -112,14 +106,11 @@ PageCase {
         keyClick(Qt.Key_Return)
         verify(find("connectivity", row(1)).activeFocus)
         tryCompare(find("toolBox", row(1)), "height", 50)
-        keyClick(Qt.Key_Tab)
-        verify(find("label", row(1)).activeFocus)
+        verifyTabs(["label"])
         keyClick("x")
         keyClick(Qt.Key_Return)
         verify(find("label", row(1)).activeFocus)
-        keyClick(Qt.Key_Tab)
-        verify(find("deleteButton", row(1)).activeFocus)
-        keyClick(Qt.Key_Tab)
+        verifyTabs(["deleteButton", "saveButton"])
         keyClick(Qt.Key_Return)
         tryVerify(() => stored(1).device_label === "twox")
         keyClick(Qt.Key_Escape)
@@ -141,6 +132,7 @@ PageCase {
         Service.fail("/api/v1/device/list")
         find("deviceView").pullToRefreshReleased()
         tryCompare(find("emptyNote"), "visible", true)
+        compare(text("emptyNote"), "No devices")
         compare(text("head0"), "Device (total: 0)")
     }
 

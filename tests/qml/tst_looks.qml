@@ -1,10 +1,7 @@
 import QtQuick 2.15
-import QtTest 1.15
 
 /// What a person sees besides the data: pictures, labels, colours, forms and fixed sizes.
 PageCase {
-    id: suite
-
     /// What shows of @p root: its size ("60x40", "60x", "x40") and of all that is in it pictures by file name, texts,
     /// colours ("#rrggbb"; gradients with the stop and borders with the width before it), radii ("r4"), opacities
     /// ("o0.8") and fonts ("px30", "bold", "demibold").

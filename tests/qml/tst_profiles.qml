@@ -1,9 +1,6 @@
 import QtQuick 2.15
-import QtTest 1.15
 
 PageCase {
-    id: suite
-
     function prepare() {
         setProfiles({ Alpha: { facebook_feed: 60, someday: 9, facebook_share_create_profile_page: 0 }, Beta: {} })
     }
@@ -33,18 +30,14 @@ PageCase {
     function setPercent(profile, index, digits) {
         const field = find("percent", action(profile, index))
         field.forceActiveFocus(Qt.TabFocusReason)
-        keyClick(Qt.Key_A, Qt.ControlModifier)
-        keyClick(Qt.Key_Delete)
-        type(digits)
+        retype(digits)
         return field
     }
 
-    /// "name+percent" of each enabled action, "name-percent" of the others.
-    function shown(profile) {
-        return Array.from({ length: 12 }, (unused, index) => {
-            const line = action(profile, index)
-            return text("actionName", line) + (find("enable", line).checked ? "+" : "-") + text("percent", line)
-        })
+    /// "name+percent" of an enabled action, "name-percent" of another.
+    function shown(profile, index) {
+        const line = action(profile, index)
+        return text("actionName", line) + (find("enable", line).checked ? "+" : "-") + text("percent", line)
     }
 
     function save(profile) {
@@ -69,12 +62,8 @@ PageCase {
         verify(find("profileName", openRow(1)).activeFocus)
         compare(find("profileView").currentIndex, 1)
         const alpha = openRow(0)
-        compare(shown(alpha), [
-            "facebook_feed+60", "facebook_feed_like-0", "facebook_watch-0", "facebook_watch_like-0",
-            "facebook_add_suggest_friend-0", "facebook_confirm_friend-0", "facebook_post_status-0",
-            "facebook_post_status_image-0", "facebook_add_avatar_frame-0", "facebook_react_story-0",
-            "facebook_share_random_video-0", "facebook_share_create_profile_page+0"
-        ])
+        compare([0, 1, 11].map(index => shown(alpha, index)),
+                ["facebook_feed+60", "facebook_feed_like-0", "facebook_share_create_profile_page+0"])
         verify(find("profileName", alpha).readOnly)
         tryCompare(row(1), "y", 50 * 13)
         openRow(0)
@@ -98,8 +87,7 @@ PageCase {
                                   facebook_share_create_profile_page: 0 })
         compare(stored().Beta, {})
         tryVerify(() => row(0) !== alpha && row(0).expanded)
-        compare(shown(row(0))[2], "facebook_watch+45")
-        compare(shown(row(0))[0], "facebook_feed-0")
+        compare([shown(row(0), 2), shown(row(0), 0)], ["facebook_watch+45", "facebook_feed-0"])
     }
 
     function test_createAProfile() {
@@ -114,8 +102,7 @@ PageCase {
         // What is being edited elsewhere stays.
         compare(text("percent", action(alpha, 1)), "7")
 
-        keyClick(Qt.Key_A, Qt.ControlModifier)
-        keyClick(Qt.Key_Delete)
+        retype("")
         verify(!find("save", fresh).enabled)
         type("Aardvark")
         find("enable", action(fresh, 3)).forceActiveFocus()

@@ -1,9 +1,6 @@
 import QtQuick 2.15
-import QtTest 1.15
 
 PageCase {
-    id: suite
-
     /// The date text of the day @p daysAgo.
     function day(daysAgo) {
         const now = new Date()
@@ -80,10 +77,7 @@ PageCase {
                 ["Device: dev-a,Estimated income: 190 vnd", "Device: dev-b,Estimated income: 1.0.0 vnd",
                  "Device: dev-c,Estimated income: 1.5 vnd", "Device: dev-d,Estimated income: 0 vnd"])
         // From the panel's list on to the header: the covered rows are out of reach.
-        for (const name of ["incomeRow0", "userBlock", "menuRow0"]) {
-            keyClick(Qt.Key_Tab)
-            compare(window.activeFocusItem.objectName, name)
-        }
+        verifyTabs(["incomeRow0", "userBlock", "menuRow0"])
         find("close", panel).forceActiveFocus(Qt.TabFocusReason)
         keyClick(Qt.Key_Return)
         tryCompare(panel, "visible", false)

@@ -1,9 +1,6 @@
 import QtQuick 2.15
-import QtTest 1.15
 
 PageCase {
-    id: suite
-
     function prepare() {
         // More than fit into the view and what it builds at once.
         const profiles = {}

@@ -1,9 +1,6 @@
 import QtQuick 2.15
-import QtTest 1.15
 
 PageCase {
-    id: suite
-
     function timer(item, name) {
         return Array.from(item.data).find(child => child.objectName === name)
     }
@@ -142,10 +139,7 @@ PageCase {
         field.text = "1|a|b"
         find("networkBox").currentIndex = 1
         // Out of the sheet, past the page under it.
-        for (const name of ["addButton", "userBlock", "menuRow0"]) {
-            keyClick(Qt.Key_Tab)
-            verifyFocus(name)
-        }
+        verifyTabs(["addButton", "userBlock", "menuRow0"])
         field.forceActiveFocus(Qt.TabFocusReason)
         keyClick(Qt.Key_Backtab)
         verifyFocus("profileBox")

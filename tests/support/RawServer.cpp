@@ -10,17 +10,14 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
+#include <cstring>
 
 namespace {
 
 void Require(bool done)
 {
-    if (done)
-        return;
-    std::perror("RawServer");
-    std::abort();
+    if (!done)
+        qFatal("RawServer: %s", std::strerror(errno));
 }
 
 } // namespace
