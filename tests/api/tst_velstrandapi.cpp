@@ -125,7 +125,7 @@ private slots:
         QTest::addColumn<bool>("success");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QByteArray>("data");
-        const auto row = [](const char* name, int status, QByteArray body, int code, bool success,
+        const auto row = [](const char* name, int status, const QByteArray& body, int code, bool success,
                             const char* message, const char* data) {
             QTest::newRow(name) << status << body << code << success << QString::fromUtf8(message)
                                 << QByteArray(data);
@@ -283,9 +283,9 @@ private slots:
         const VelstrandAPI api;
         const QString token = m_fixture->userToken();
         std::atomic<int> done{0};
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 8; ++i)
-            threads.emplace_back([&] {
+        std::vector<std::thread> threads(8);
+        for (auto& thread : threads)
+            thread = std::thread([&] {
                 for (int k = 0; k < 20; ++k) {
                     QJsonArray array;
                     done += api.getDeviceList(token, &array) && array.size() == 40;

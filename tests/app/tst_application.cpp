@@ -99,8 +99,8 @@ private slots:
     void storedToken()
     {
         for (const QString& stored : {QString(), QStringLiteral("a \"b\" ö")}) {
-            if (!stored.isEmpty())
-                settings().setValue("user_token", stored);
+            QSettings kept = settings();
+            kept.setValue("user_token", stored);
             const LogCapture log;
             m_app.reset();
             m_app = std::make_unique<Application>(nullptr);
@@ -108,7 +108,7 @@ private slots:
             QVERIFY(!model().userInfo()->isValidated());
             const QRegularExpression form(
                 QStringLiteral("^\\[D\\]\\[ loadUserInfo \\]\\[ \\d+ \\] userToken:  \"%1\"$")
-                    .arg(QRegularExpression::escape(QString(stored).replace('"', "\\\""))));
+                    .arg(QRegularExpression::escape(stored.split('"').join("\\\""))));
             QVERIFY2(log.lines().filter(form).size() == 1, qPrintable(log.lines().join('\n')));
         }
     }
@@ -175,8 +175,8 @@ private slots:
         QCOMPARE(notifications(), QStringList{"2 Upload definitions falure!"});
         QVERIFY(m_fixture->requests().isEmpty());
         QCOMPARE(log.lines().filter(QRegularExpression("^\\[D\\]\\[ uploadDefinition ")).size(), 2);
-        QVERIFY(log.lines()[0].endsWith("] ver:  5  file:  \"/none/such\""));
-        QVERIFY(log.lines().last().contains("] error:  \""));
+        QVERIFY(log.lines().constFirst().endsWith("] ver:  5  file:  \"/none/such\""));
+        QVERIFY(log.lines().constLast().contains("] error:  \""));
     }
 
     void hangingService()

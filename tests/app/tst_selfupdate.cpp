@@ -46,7 +46,7 @@ private slots:
     void cleanup()
     {
         m_fixture->clearFaults();
-        settings().clear();
+        QSettings("Velstrand", "Velstrand Manager").clear();
     }
 
     void outcomes_data()
@@ -154,7 +154,7 @@ private slots:
         farm.globalConfig["velstrand_manager_app_version"] = "19";
         farm.globalConfig["velstrand_manager_app_path"] = m_fixture->origin() + kPackage;
         m_fixture->setFarm(farm);
-        settings().setValue("user_token", m_fixture->userToken());
+        QSettings("Velstrand", "Velstrand Manager").setValue("user_token", m_fixture->userToken());
         QProcess manager;
         startManager(&manager);
         QVERIFY2(manager.waitForFinished(20000), "the first look for a newer build comes after 10 seconds");
@@ -192,7 +192,6 @@ private slots:
     }
 
 private:
-    static QSettings settings() { return QSettings("Velstrand", "Velstrand Manager"); }
     QString path(const QString& name) const { return m_folder->filePath(name); }
     void put(const QString& name, const QByteArray& bytes) const
     {

@@ -64,10 +64,11 @@ void TestRecords::keys()
         "device_config":{"connectivity_type":1,"device_label":"shelf"}})")
                              .toVariantMap();
     record["last_getting_job_ts"] = QDateTime::currentMSecsSinceEpoch() - 3630 * 1000;
-    const QString texts =
-        "id uid cookies device_id email firstname lastname mail_password network password secretkey "
-        "user_id farm_profile unknown selected filtered place android_id model";
-    for (const QString& key : texts.split(' '))
+    const QStringList texts =
+        QString("id uid cookies device_id email firstname lastname mail_password network password secretkey "
+                "user_id farm_profile unknown selected filtered place android_id model")
+            .split(' ');
+    for (const QString& key : texts)
         record[key] = key;
     QCOMPARE(values(CloneInfo(record, 5)),
              "id=id uid=uid cookies=cookies deviceId=device_id email=email firstName=firstname "

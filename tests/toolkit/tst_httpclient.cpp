@@ -213,9 +213,9 @@ private slots:
             {Mode::NoHandshake, {}, 2000, "Timed out: no connection within 2 seconds"}};
         for (const auto& [mode, pieces, afterMs, error] : cases) {
             RawServer server(
-                [&pieces = pieces](Connection& connection) {
+                [&parts = pieces](Connection& connection) {
                     connection.Receive();
-                    for (const std::string& piece : pieces) {
+                    for (const std::string& piece : parts) {
                         std::this_thread::sleep_for(std::chrono::milliseconds(400));
                         connection.Send(piece);
                     }

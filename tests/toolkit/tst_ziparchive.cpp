@@ -101,7 +101,8 @@ private slots:
             const auto entry = archive.GetEntryByIndex(0);
             QVERIFY(entry);
             const auto text = entry->UnzipToString(0, "UTF-8");
-            QVERIFY2(valid ? text == content : !text, content.c_str());
+            QVERIFY2(valid ? text == content : !text,
+                     QByteArray::fromStdString(content).toPercentEncoding(" "));
             QVERIFY(!entry->UnzipToString(1, "utf-8") && !entry->UnzipToString(0, "windows-1258"));
         }
     }
