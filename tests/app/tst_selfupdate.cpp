@@ -74,7 +74,8 @@ private slots:
         row("not a zip", QByteArray(5000, 'x'), {}, "Unrecognized archive format", "", kept);
         row("hostile", packZip({{"../evil", "x"}, {"velstrand/Velstrand.exe", program("new")}}), {},
             "leads out of its folder", "", kept);
-        row("executable at the top", packZip({{"Velstrand.exe", program("new")}}), {}, "success", "old",
+        row("executable at the top, one of before where it belongs",
+            packZip({{"Velstrand.exe", program("new")}}), {"tmp/velstrand/Velstrand.exe"}, "success", "old",
             {"Velstrand.exe", "tmp/", "tmp/Velstrand.exe"});
         row("an earlier build is parked", kGoodPackage, {"temp.dat"},
             "tmp/velstrand/Velstrand.exe\"  don't exist", "old", swapped);
