@@ -190,7 +190,7 @@ PageCase {
         compare([view.currentIndex, view.contentY], [-1, 0])
     }
 
-    function test_toolBoxOpensOnHold() {
+    function test_toolBoxOpensOnHoldAndReturn() {
         const toolBox = find("cloneToolBox")
         verify(!find("check", row(0)) && find("expandButton").up)
         mousePress(row(4))
@@ -210,6 +210,9 @@ PageCase {
         click("expandButton")
         tryCompare(toolBox, "y", 0)
         verify(!find("check", row(0)) && find("expandButton").up)
+        row(4).forceActiveFocus()
+        keyClick(Qt.Key_Return)
+        compare(toolBox.hidden, false)
     }
 
     function test_resetAndDelete() {
