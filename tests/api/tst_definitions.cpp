@@ -92,8 +92,8 @@ private slots:
             QVERIFY(!m_api.pushDefinition(m_fixture->adminToken(), 1, path, &error));
             QVERIFY(!error.isEmpty());
             QCOMPARE(log.lines().size(), 1);
-            QVERIFY(log.lines()[0].startsWith("[D][ pushDefinition ][ "));
-            QVERIFY(log.lines()[0].endsWith("] AddFileForUpload error:  \"" + error + '"'));
+            QVERIFY(log.lines().constFirst().startsWith("[D][ pushDefinition ][ "));
+            QVERIFY(log.lines().constFirst().endsWith("] AddFileForUpload error:  \"" + error + '"'));
         }
         QVERIFY(m_fixture->requests().isEmpty());
     }
