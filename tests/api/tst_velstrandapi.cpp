@@ -82,8 +82,8 @@ private slots:
                 return api.upsertFarmProfile(kToken, {{"name", "p"}, {"farm_action_config", QJsonObject()}});
             });
         row("clone/reset-live", R"("clones":[],)", [](auto& api) { return api.resetLiveClones(kToken, {}); });
-        row("clone/delete", R"("clones":[{"id":"2"},{"id":"1"},{"id":"2"}],)",
-            [](auto& api) { return api.deleteClones(kToken, {"2", "1", "2"}); });
+        row("clone/delete", R"("clones":[{"id":"3"},{"id":"1"},{"id":"1"}],)",
+            [](auto& api) { return api.deleteClones(kToken, {"3", "1", "1"}); });
         row("clone/update-farm-profile", R"("clones":[{"id":"7"}],"farm_profile":"p",)",
             [](auto& api) { return api.updateCloneFarmProfile(kToken, {"7"}, "p"); });
     }

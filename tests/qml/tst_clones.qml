@@ -129,7 +129,7 @@ PageCase {
         compare(selection(), [3, 4])
         mouseClick(row(0))
         compare(selection(), [0])
-        find("cloneView").forceActiveFocus()
+        // The clicks have brought the keyboard along.
         keyClick(Qt.Key_Down)
         keyClick(Qt.Key_Space)
         keyClick(Qt.Key_Down)
@@ -279,6 +279,10 @@ PageCase {
         tryCompare(AppModel, "totalFilteredClones", 8)
         compare(Service.clones.slice(6).map(entry => [entry.uid, entry.password, entry.secretkey, entry.network, entry.farm_profile]),
                 [["900", "secret", "2fa", "tiktok", profile.currentText], ["901", "other", "", "tiktok", profile.currentText]])
+        // What was added gives way to what is typed next.
+        popup.visible = true
+        type("9|9")
+        compare(field.text, "9|9")
     }
 
     function test_keyboardReachesWhatShows() {

@@ -116,6 +116,15 @@ PageCase {
         verify(find("profileName", row(0)).readOnly)
     }
 
+    function test_profilesFromElsewhere() {
+        setProfiles({ One: {}, Three: {}, Two: { facebook_feed: 8 } })
+        AppManager.checkUser()
+        Service.settle()
+        tryVerify(() => row(2) !== null)
+        compare([0, 1, 2].map(index => text("profileName", row(index))), ["One", "Three", "Two"])
+        compare(shown(openRow(2), 0), "facebook_feed+8")
+    }
+
     function test_percentField_data() {
         return [["00", "0"], ["05", "05"], ["100", "100"], ["101", "10"], ["1x2", "12"], ["", ""]]
             .map(([typed, shown]) => ({ tag: typed || "empty", typed: typed, shown: shown }))

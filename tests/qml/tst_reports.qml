@@ -79,6 +79,9 @@ PageCase {
         // From the panel's list on to the header: the covered rows are out of reach.
         verifyTabs(["incomeRow0", "userBlock", "menuRow0"])
         find("close", panel).forceActiveFocus(Qt.TabFocusReason)
+        keyClick(Qt.Key_Backtab)
+        compare(window.activeFocusItem.objectName, "menuRow7")
+        find("close", panel).forceActiveFocus(Qt.TabFocusReason)
         keyClick(Qt.Key_Return)
         tryCompare(panel, "visible", false)
         compare(panel.height, 0)

@@ -143,17 +143,21 @@ private slots:
 
     void hostileSize()
     {
-        const std::string bomb = Gzipped(std::string(1u << 20, '\0'), 300);
+        const auto packed = [](int mebibytes) {
+            return RawServer::Ok(Gzipped(std::string(1u << 20, '\0'), mebibytes),
+                                 "Content-Encoding: gzip\r\n");
+        };
         std::string lines = kOk;
         for (int i = 0; i < 20000; ++i)
             lines += "X-" + std::to_string(i) + ": " + std::string(100, 'x') + "\r\n";
-        for (const std::string& response : {RawServer::Ok(bomb, "Content-Encoding: gzip\r\n"),
-                                            kOk + "Content-Length: 999999999999\r\n\r\n", lines}) {
+        for (const std::string& response :
+             {packed(20), packed(300), kOk + "Content-Length: 999999999999\r\n\r\n", lines}) {
             RawServer server(RawServer::Always(response));
             HttpClient client;
             client.SetReadTimeout(5);
-            QVERIFY(!client.PostJson(server.Origin(), "{}"));
-            QCOMPARE(client.LastErrorText().c_str(), "The answer is too large");
+            const bool fits = response == packed(20);
+            QCOMPARE(client.PostJson(server.Origin(), "{}") != nullptr, fits);
+            QCOMPARE(client.LastErrorText().c_str(), fits ? "" : "The answer is too large");
         }
     }
 
