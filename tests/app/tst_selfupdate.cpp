@@ -29,6 +29,9 @@ const QByteArray kGoodPackage =
 /// To be killed while the archive is on its way.
 constexpr char kHalfway[] = "halfway through the download";
 
+/// What a process may take on a machine with much else to do, ms.
+constexpr int kPatience = 30000;
+
 } // namespace
 
 /// Replacing a running program, each time in a real process with a folder of its own.
@@ -230,7 +233,8 @@ private:
         runner.setWorkingDirectory(m_folder->path());
         runner.start(UPDATE_RUNNER, {"19", m_fixture->origin() + kPackage});
         if (killAt == kHalfway) {
-            (void)QTest::qWaitFor([&] { return QFile::exists(path("tmp/velstrand_19.zip.part")); });
+            (void)QTest::qWaitFor([&] { return QFile::exists(path("tmp/velstrand_19.zip.part")); },
+                                  kPatience);
             runner.kill();
         }
         runner.waitForFinished();
@@ -249,7 +253,7 @@ private:
     /// What the program in place reports once the update has started it.
     QByteArray started() const
     {
-        (void)QTest::qWaitFor([&] { return QFile::exists(path("started")); });
+        (void)QTest::qWaitFor([&] { return QFile::exists(path("started")); }, kPatience);
         const QByteArray text = content(path("started"));
         QFile::remove(path("started"));
         return text;
