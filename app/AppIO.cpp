@@ -3,10 +3,24 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QStyleHints>
+
+namespace {
+
+constexpr int kBlinkingTime = 10000; // ms
+// What style hints take for the system's own time.
+constexpr int kSystemFlashTime = -1;
+
+} // namespace
 
 AppIO::AppIO(QGuiApplication* application) : QObject(application), m_application(application)
 {
     m_application->installEventFilter(this);
+    m_blinking.setSingleShot(true);
+    m_blinking.setInterval(kBlinkingTime);
+    connect(&m_blinking, &QTimer::timeout, this,
+            [] { QGuiApplication::styleHints()->setCursorFlashTime(0); });
+    m_blinking.start();
 }
 
 Qt::KeyboardModifiers AppIO::keyboardModifiers() const
@@ -19,6 +33,11 @@ void AppIO::sendToClibboard(const QString& text)
     QGuiApplication::clipboard()->setText(text);
 }
 
+QString AppIO::clipboardText(bool selected) const
+{
+    return QGuiApplication::clipboard()->text(selected ? QClipboard::Selection : QClipboard::Clipboard);
+}
+
 bool AppIO::eventFilter(QObject* watched, QEvent* event)
 {
     // The application sees a key event once for the window, then again for each item that is offered it. Only
@@ -28,6 +47,8 @@ bool AppIO::eventFilter(QObject* watched, QEvent* event)
             keyPressed(static_cast<QKeyEvent*>(event)->key());
         else if (event->type() == QEvent::KeyRelease)
             updateModifiers(static_cast<QKeyEvent*>(event)->key());
+        if (event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress)
+            letCursorBlink();
     }
     return QObject::eventFilter(watched, event);
 }
@@ -53,4 +74,11 @@ void AppIO::updateModifiers(int key)
         return;
     m_keyboardModifiers = modifiers;
     emit keyboardModifiersChanged();
+}
+
+void AppIO::letCursorBlink()
+{
+    if (!m_blinking.isActive())
+        QGuiApplication::styleHints()->setCursorFlashTime(kSystemFlashTime);
+    m_blinking.start();
 }

@@ -1,5 +1,4 @@
 import QtQuick 2.15
-import QtQuick.Controls 2.15
 import ".."
 import "../component"
 
@@ -22,11 +21,11 @@ Sheet {
         color: QmlDefines.textColor
     }
 
-    BusyIndicator {
+    WaitingDots {
         id: busyIndicator
 
         objectName: "busyIndicator"
-        anchors { top: message.bottom; horizontalCenter: parent.horizontalCenter }
+        anchors { top: message.bottom; topMargin: 10; horizontalCenter: parent.horizontalCenter }
         running: root.visible
     }
 

@@ -3,6 +3,8 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QSignalSpy>
+#include <QStyleHints>
+#include <QTimer>
 #include <QWindow>
 #include <QtTest>
 
@@ -69,6 +71,27 @@ private slots:
     {
         m_io.sendToClibboard(QStringLiteral("1\n<b>2</b>\n"));
         QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("1\n<b>2</b>\n"));
+        QCOMPARE(m_io.clipboardText(), QStringLiteral("1\n<b>2</b>\n"));
+    }
+
+    // The timer is run faster.
+    void cursorRestsWithThePerson()
+    {
+        auto* const blinking = m_io.findChild<QTimer*>();
+        QCOMPARE(blinking->interval(), 10000);
+        blinking->setInterval(1);
+        const QStyleHints* const hints = QGuiApplication::styleHints();
+        QTRY_COMPARE(hints->cursorFlashTime(), 0);
+        QVERIFY(!blinking->isActive());
+        blinking->setInterval(10000);
+        QTest::mouseMove(&m_window, {20, 20});
+        QCOMPARE(hints->cursorFlashTime(), 0);
+        QTest::mouseClick(&m_window, Qt::LeftButton);
+        QVERIFY(hints->cursorFlashTime() > 0);
+        blinking->start(1);
+        QTRY_COMPARE(hints->cursorFlashTime(), 0);
+        QTest::keyClick(&m_window, Qt::Key_B);
+        QVERIFY(hints->cursorFlashTime() > 0);
     }
 
 private:

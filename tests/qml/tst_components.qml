@@ -105,6 +105,23 @@ TestCase {
         compare([list.currentIndex, list.contentY], [12, 250])
     }
 
+    // The timer is run faster.
+    function test_waitingComesToRest() {
+        const dots = make("WaitingDots {}")
+        const timer = Array.from(dots.data).find(child => child.objectName === "stepTimer")
+        const looks = () => dots.children.length + Array.from(dots.children).map(dot => dot.color).join()
+        compare([timer.running, timer.interval], [false, 1000])
+        timer.interval = 10
+        for (let round = 0; round < 2; ++round) {
+            const before = looks()
+            dots.running = true
+            tryVerify(() => looks() !== before)
+            tryCompare(dots, "step", 10)
+            verify(!timer.running)
+            dots.running = false
+        }
+    }
+
     function test_settingItem() {
         const item = make("GlobalSettingBaseItem { labelText: 'Label: '; defaultValue: 18 }")
         const edits = spyOn(item, "valueEdited")
