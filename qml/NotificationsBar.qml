@@ -13,6 +13,7 @@ Item {
     property bool shown: false
 
     y: shown ? 0 : -height
+    visible: y > -height
 
     Accessible.role: Accessible.AlertMessage
     Accessible.ignored: !shown

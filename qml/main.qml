@@ -1,6 +1,7 @@
 import QtQuick 2.15
 import QtQuick.Window 2.15
 import "."
+import "component"
 import "popup"
 
 Window {
@@ -45,12 +46,14 @@ Window {
     }
 
     // An overlay takes the keyboard while it shows, and the menu has it after that.
-    InputUserTokenPopup {
+    LateLoader {
         id: tokenPopup
 
         objectName: "inputUserTokenPopup"
+        anchors.fill: parent
         visible: AppModel.userInfo.token === ""
         focus: visible
+        source: "qrc:/qml/popup/InputUserTokenPopup.qml"
     }
 
     ValidateUserPopup {

@@ -1,6 +1,6 @@
 import QtQuick 2.15
 
-BaseButton {
+IconButton {
     property bool up: false
 
     icon.source: up ? "qrc:/images/expand_up_icon.png" : "qrc:/images/expand_down_icon.png"

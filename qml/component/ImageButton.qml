@@ -1,4 +1,4 @@
-BaseButton {
+IconButton {
     property string source
 
     text: "NoLabel"

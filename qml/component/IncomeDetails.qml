@@ -38,7 +38,7 @@ Rectangle {
         onWheel: function(wheel) { wheel.accepted = true }
     }
 
-    BaseButton {
+    IconButton {
         id: closeButton
 
         objectName: "close"

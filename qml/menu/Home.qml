@@ -13,7 +13,6 @@ Item {
         anchors { verticalCenter: parent.verticalCenter; verticalCenterOffset: -100 }
         width: parent.width / 4
         fillMode: Image.PreserveAspectFit
-        mipmap: true
         source: "qrc:/images/velstrand_logo.png"
     }
 

@@ -4,6 +4,7 @@ import "../component"
 
 Sheet {
     veil: 0.8
+    focus: true
 
     // The old token is selected, so that what is typed or pasted replaces it.
     onVisibleChanged: {
