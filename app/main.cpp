@@ -33,8 +33,8 @@ int main(int argc, char* argv[])
     // The previous build, set aside by the self-update.
     QFile::remove(QStringLiteral("temp.dat"));
 
-    // The common texture takes the icons; as wide as the window, as is the default, its memory holds up the first
-    // frame.
+    // The common texture takes the icons; as wide as the window, as is the default, its memory holds up the
+    // first frame.
     for (const char* const size : {"QSG_ATLAS_WIDTH", "QSG_ATLAS_HEIGHT"})
         qputenv(size, "512");
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);

@@ -81,15 +81,15 @@ function income(jobs) {
     return entries(jobs).reduce((sum, job) => sum + rate(job.key) * (Number(job.value) || 0), 0)
 }
 
-/// The digits of a whole number in groups of three: 1.000.000.
-function grouped(number) {
+/// The digits of a whole number in groups of three, 1.000.000 as sums of money have it, or with another separator.
+function grouped(number, separator) {
     if (!(number > 0))
         return "0"
     const digits = Math.floor(number).toFixed(0)
     const groups = []
     for (let end = digits.length; end > 0; end -= 3)
         groups.unshift(digits.substring(Math.max(0, end - 3), end))
-    return groups.join(".")
+    return groups.join(separator || ".")
 }
 
 /// The same without zeros in front of a group, the form of the income panel: 1.0.0.

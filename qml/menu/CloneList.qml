@@ -8,12 +8,12 @@ Item {
     id: page
 
     readonly property var columns: [
-        { name: "uid", label: qsTr("Uid (total: ") + AppModel.totalFilteredClones + ")", filterable: true },
+        { name: "uid", label: qsTr("Uid (total: ") + AppModel.totalFilteredClones + ")", filterable: true, unit: qsTr("uids") },
         { name: "network", label: qsTr("Network"), filterable: false },
-        { name: "device_id", label: qsTr("Device"), filterable: true },
-        { name: "status", label: qsTr("Status"), filterable: true },
+        { name: "device_id", label: qsTr("Device"), filterable: true, unit: qsTr("devices") },
+        { name: "status", label: qsTr("Status"), filterable: true, unit: qsTr("statuses") },
         { name: "restriction", label: qsTr("Restriction"), filterable: false },
-        { name: "farm_profile", label: qsTr("Farm Profile"), filterable: true }
+        { name: "farm_profile", label: qsTr("Farm Profile"), filterable: true, unit: qsTr("profiles") }
     ]
     /// Accepted values by column name; an empty list accepts all.
     property var filters: ({ uid: [], device_id: [], status: [], farm_profile: [] })
@@ -106,10 +106,11 @@ Item {
                         anchors.horizontalCenter: parent.horizontalCenter
                         width: parent.width - 20
                         enabled: head.column.filterable
+                        unit: head.column.unit || ""
 
                         Accessible.name: qsTr("Filter") + " " + head.text
 
-                        onTextChanged: page.setFilter(head.column.name, text)
+                        onValueChanged: page.setFilter(head.column.name, value)
                     }
                 }
             }

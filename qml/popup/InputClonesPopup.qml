@@ -18,10 +18,8 @@ Sheet {
 
     // What was added before is selected, so that the next text replaces it.
     onVisibleChanged: {
-        if (visible) {
-            clonesField.selectAll()
-            clonesField.forceActiveFocus()
-        }
+        if (visible)
+            clones.selectAll()
     }
 
     Column {
@@ -61,34 +59,13 @@ Sheet {
 
         Item { width: 1; height: 10 }
 
-        FieldFrame {
+        LinesField {
+            id: clones
+
             width: parent.width
             height: 400
-            radius: 0
-            color: "transparent"
-            focused: clonesField.activeFocus
-
-            ScrollView {
-                anchors { fill: parent; margins: 1 }
-                clip: true
-
-                TextArea {
-                    id: clonesField
-
-                    objectName: "clonesField"
-                    verticalAlignment: TextArea.AlignTop
-                    placeholderText: "Enter Clones (format: UID|PASSWORD|2FA)"
-                    textFormat: TextEdit.PlainText
-                    selectByMouse: true
-
-                    Accessible.name: placeholderText
-
-                    // The tabulator leads on, it is no part of a clone.
-                    Keys.priority: Keys.BeforeItem
-                    Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
-                    Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
-                }
-            }
+            focus: true
+            placeholderText: "Enter Clones (format: UID|PASSWORD|2FA)"
         }
 
         Item { width: 1; height: 20 }
@@ -99,9 +76,9 @@ Sheet {
             width: 80
             height: 50
             text: qsTr("Add")
-            enabled: root.visible && clonesField.length > 0 && networkBox.currentText !== "none"
+            enabled: root.visible && !clones.empty && networkBox.currentText !== "none"
             onClicked: {
-                AppManager.addClone(clonesField.text, networkBox.currentText, profileBox.currentText)
+                AppManager.addClone(clones.text(), networkBox.currentText, profileBox.currentText)
                 root.visible = false
             }
         }

@@ -41,7 +41,7 @@ PageCase {
     }
 
     function setFilter(column, lines) {
-        find("filter" + column).text = lines
+        find("filter" + column).setValue(lines)
     }
 
     function controlClick(place) {
@@ -110,14 +110,42 @@ PageCase {
         compare(AppModel.totalFilteredClones, 3)
     }
 
-    function test_pasteOfTenThousandLines() {
+    function test_manyLinesInAFilter_data() {
+        const control = Qt.ControlModifier
+        return [
+            { tag: "Escape", leave: () => keyClick(Qt.Key_Escape), shown: "", rows: 6 },
+            { tag: "Backspace", leave: () => keyClick(Qt.Key_Backspace), shown: "", rows: 6 },
+            { tag: "mark", leave: () => click("filter0/mark"), shown: "", rows: 6 },
+            { tag: "typing", leave: () => type("101"), shown: "101", rows: 1 },
+            { tag: "pasting one line", leave: () => {
+                AppIO.sendToClibboard("103\r\n")
+                keyClick(Qt.Key_V, control) }, shown: "103", rows: 1 },
+            { tag: "undo", leave: () => keyClick(Qt.Key_Z, control), shown: "1x02", rows: 0 },
+            { tag: "typing and undo", leave: () => {
+                type("1")
+                while (find("filter0").canUndo)
+                    keyClick(Qt.Key_Z, control)
+                keyClick(Qt.Key_Z, control) }, shown: "", rows: 1, still: true }
+        ]
+    }
+
+    function test_manyLinesInAFilter(data) {
+        const filter = find("filter0")
         const uids = Array.from({ length: 10000 }, (unused, index) => "1000" + (1234567890 + index))
-        uids[9999] = "104"
+        uids[9999] = "10"
         AppIO.sendToClibboard(uids.join("\n"))
         click("filter0")
+        type("1x02")
+        keyClick(Qt.Key_Left)
+        keyClick(Qt.Key_Left, Qt.ShiftModifier)
+        // In the place of the nought that is selected; with the 2 behind it the last line is the uid 102.
         keyClick(Qt.Key_V, Qt.ControlModifier)
-        verifyNumbers([5])
-        compare(find("filter0").text.length, uids.join("\n").length)
+        verifyNumbers([3])
+        compare([filter.text, filter.placeholderText], ["", "10,000 uids"])
+        compare(filter.values.join("\n"), "1x" + uids.join("\n") + "2")
+        data.leave()
+        compare([filter.text, filter.placeholderText !== ""], [data.shown, data.still === true])
+        tryCompare(AppModel, "totalFilteredClones", data.rows)
     }
 
     function test_selection() {
@@ -283,6 +311,59 @@ PageCase {
         popup.visible = true
         type("9|9")
         compare(field.text, "9|9")
+    }
+
+    function test_importOfManyLines() {
+        const control = Qt.ControlModifier
+        const lines = Array.from({ length: 2500 }, (unused, index) => (5000 + index) + "|p" + index)
+        find("inputClonesPopup").visible = true
+        const field = find("clonesField")
+        const summary = find("clonesSummary")
+        type("ab|c")
+        keyClick(Qt.Key_Left)
+        keyClick(Qt.Key_Left, Qt.ShiftModifier)
+        AppIO.sendToClibboard(lines.join("\r\n") + "\r\n")
+        keyClick(Qt.Key_V, control)
+        // The text is "ab" and the lines and "c"; nothing of it is laid out.
+        verify(summary.visible && !field.visible && find("summaryKeys").activeFocus)
+        compare([text("linesTitle"), text("line1"), text("line6"), text("line2,501")],
+                ["2,501 lines", "ab5000|p0", "5005|p5", "c"])
+        compare(field.text, "ab|c")
+        keyClick(Qt.Key_Z, control)
+        verify(field.activeFocus && !summary.visible)
+        compare(field.text, "ab|c")
+        field.selectAll()
+        keyClick(Qt.Key_V, control)
+        compare([text("linesTitle"), text("line1"), text("line2,500")], ["2,500 lines", "5000|p0", "7499|p2499"])
+
+        // A part is edited, and the whole is what is added.
+        find("lineField").text = "1501"
+        click("editButton")
+        verify(field.activeFocus)
+        compare([field.lineCount, text("partLabel"), field.text.substr(field.cursorPosition, 4)],
+                [1000, "Lines 1,001 to 2,000 of 2,500", "6500"])
+        type("x")
+        click("doneButton")
+        verify(summary.visible && find("summaryKeys").activeFocus)
+        type("9|9")
+        compare(text("partLabel"), "Lines 2,402 to 2,500 of 2,500")
+        find("networkBox").currentIndex = 1
+        click("inputClonesPopup/addButton")
+        compare(post("clone/add").map(body => body.clones.length), [2501])
+        compare([0, 1499, 1500, 2499, 2500].map(index => post("clone/add")[0].clones[index].uid),
+                ["5000", "6499", "x6500", "7499", "9"])
+
+        // What was added is kept, selected; the next text takes its place, a part of it is kept when it is one.
+        find("inputClonesPopup").visible = true
+        compare([summary.selected, text("linesTitle")], [true, "2,501 lines"])
+        keyClick(Qt.Key_Delete)
+        compare([field.activeFocus, field.text, find("inputClonesPopup/addButton").enabled], [true, "", false])
+        keyClick(Qt.Key_V, control)
+        keyClick(Qt.Key_V, control)
+        compare(text("linesTitle"), "5,000 lines")
+        keyClick(Qt.Key_A, control)
+        type("z")
+        verify(field.activeFocus && field.text === "z")
     }
 
     function test_keyboardReachesWhatShows() {
