@@ -2,7 +2,6 @@ import QtQuick 2.15
 import ".."
 import "../component"
 import "../Format.js" as Format
-import "../popup"
 
 Item {
     id: page
@@ -21,8 +20,8 @@ Item {
     property bool opened: false
     readonly property bool filtering: Object.values(filters).some(values => values.length > 0)
 
-    function setFilter(column, text) {
-        filters = Object.assign({}, filters, { [column]: Format.lines(text) })
+    function setFilter(column, values) {
+        filters = Object.assign({}, filters, { [column]: values })
     }
 
     function applyFilters() {
@@ -110,7 +109,7 @@ Item {
 
                         Accessible.name: qsTr("Filter") + " " + head.text
 
-                        onValueChanged: page.setFilter(head.column.name, value)
+                        onValuesChanged: page.setFilter(head.column.name, values)
                     }
                 }
             }
@@ -183,11 +182,19 @@ Item {
         }
     }
 
-    InputClonesPopup {
+    LateLoader {
         id: popup
 
         objectName: "inputClonesPopup"
+        anchors.fill: parent
         visible: false
+        source: "qrc:/qml/popup/InputClonesPopup.qml"
         onVisibleChanged: if (!visible) list.forceActiveFocus(Qt.TabFocusReason)
+    }
+
+    Connections {
+        target: popup.item
+
+        function onClosed() { popup.visible = false }
     }
 }

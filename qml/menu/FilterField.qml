@@ -4,55 +4,60 @@ import ".."
 import "../component"
 import "../Format.js" as Format
 
-/// The filter of one column: each line of its value is one that a record may have. One line is shown and edited as
-/// text. More than that are never laid out: their number stands in their place until they are emptied or replaced.
+/// The filter of one column: each line is a value that a record may have. One line is shown and edited as text. More
+/// than that are never laid out: their number stands in their place until they are emptied or replaced.
 TextField {
     id: root
 
     /// What the values are, as in "40,000 uids".
     property string unit: qsTr("values")
-    readonly property string value: folded === "" ? text : folded
-    property string folded: ""
-    property int foldedCount: 0
-    /// What was folded before that, for taking back.
-    property string unfolded: ""
+    /// The lines, trimmed and without the empty ones.
+    property var values: []
+    readonly property bool folded: values.length > 1
+    /// Those that were folded last, for taking back.
+    property var unfolded: []
 
-    function setValue(newValue) {
-        const lines = Format.lines(newValue)
-        if (lines.length > 1) {
-            foldedCount = lines.length
-            folded = newValue
-            // Not "text = ...", after which nothing could be taken back.
+    function setValue(text) { show(Format.lines(text)) }
+
+    function show(lines) {
+        const line = lines.length > 1 ? "" : lines.join("")
+        if (lines.length > 1 || text === line)
+            hold(lines)
+        // Not "text = ...", after which nothing could be taken back.
+        if (line === "")
             remove(0, length)
-        } else {
-            unfold()
-            text = lines.join("")
-        }
+        else
+            text = line
     }
 
-    function unfold() {
-        if (folded !== "")
-            unfolded = folded
-        folded = ""
+    function hold(lines) {
+        if (folded)
+            unfolded = values
+        values = lines
     }
 
     /// Inserts a text of several lines; answers whether it was one.
     function insertLines(added, start, end) {
-        if (Format.lines(added).length < 2)
+        const lines = Format.lines(added)
+        if (lines.length < 2)
             return false
-        setValue(folded === "" ? text.substring(0, start) + added + text.substring(end) : added)
+        if (!folded) {
+            lines[0] = text.substring(0, start) + lines[0]
+            lines[lines.length - 1] += text.substring(end)
+        }
+        show(lines)
         return true
     }
 
     function pressed(event) {
         if (event.matches(StandardKey.Paste))
             return insertLines(AppIO.clipboardText(), selectionStart, selectionEnd)
-        if (event.matches(StandardKey.Undo) && !canUndo && folded === "" && unfolded !== "")
-            setValue(unfolded)
-        else if (folded !== "" && [Qt.Key_Escape, Qt.Key_Backspace, Qt.Key_Delete].includes(event.key))
-            unfold()
-        else if (event.key === Qt.Key_Escape && text !== "")
-            remove(0, length)
+        if (event.matches(StandardKey.Undo) && !canUndo && !folded && unfolded.length > 0)
+            show(unfolded)
+        else if (event.key === Qt.Key_Escape && values.length > 0)
+            show([])
+        else if (folded && (event.key === Qt.Key_Backspace || event.key === Qt.Key_Delete))
+            show([])
         else
             return false
         return true
@@ -66,7 +71,7 @@ TextField {
     opacity: enabled ? 1 : 0.3
     selectByMouse: true
     maximumLength: QmlDefines.nameLength
-    placeholderText: folded === "" ? "" : Format.grouped(foldedCount, ",") + " " + unit
+    placeholderText: folded ? Format.grouped(values.length, ",") + " " + unit : ""
     placeholderTextColor: color
 
     Keys.priority: Keys.BeforeItem
@@ -75,8 +80,8 @@ TextField {
     onTextChanged: {
         if (/[\r\n]/.test(text))
             setValue(text)
-        else if (text !== "")
-            unfold()
+        else if (text !== "" || !folded)
+            hold(Format.lines(text))
     }
 
     background: FieldFrame { radius: width / 2; focusedColor: QmlDefines.editedColor }
@@ -85,20 +90,20 @@ TextField {
         objectName: "mark"
         anchors { right: parent.right; rightMargin: 8; verticalCenter: parent.verticalCenter }
         size: 16
-        source: root.folded === "" ? "qrc:/images/search_icon.ico" : "qrc:/images/close_icon.png"
+        source: root.folded ? "qrc:/images/close_icon.png" : "qrc:/images/search_icon.ico"
 
-        Accessible.ignored: root.folded === ""
+        Accessible.ignored: !root.folded
         Accessible.role: Accessible.Button
         Accessible.name: qsTr("Clear")
-        Accessible.onPressAction: root.unfold()
+        Accessible.onPressAction: root.show([])
 
         MouseArea {
             anchors.fill: parent
-            enabled: root.folded !== ""
+            enabled: root.folded
             cursorShape: Qt.PointingHandCursor
             onClicked: {
                 root.forceActiveFocus(Qt.MouseFocusReason)
-                root.unfold()
+                root.show([])
             }
         }
     }

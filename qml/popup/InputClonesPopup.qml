@@ -6,6 +6,8 @@ import "../component"
 Sheet {
     id: root
 
+    signal closed()
+
     component Label: PlainText {
         anchors.verticalCenter: parent.verticalCenter
         width: 100
@@ -17,10 +19,9 @@ Sheet {
     }
 
     // What was added before is selected, so that the next text replaces it.
-    onVisibleChanged: {
-        if (visible)
-            clones.selectAll()
-    }
+    onVisibleChanged: if (visible) clones.selectAll()
+
+    Component.onCompleted: clones.selectAll()
 
     Column {
         anchors.centerIn: parent
@@ -79,7 +80,7 @@ Sheet {
             enabled: root.visible && !clones.empty && networkBox.currentText !== "none"
             onClicked: {
                 AppManager.addClone(clones.text(), networkBox.currentText, profileBox.currentText)
-                root.visible = false
+                root.closed()
             }
         }
     }
