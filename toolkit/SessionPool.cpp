@@ -1,5 +1,6 @@
 #include "toolkit/SessionPool.h"
 
+#include <chrono>
 #include <csignal>
 #include <mutex>
 #include <new>
@@ -7,17 +8,26 @@
 
 namespace toolkit {
 
+using Clock = std::chrono::steady_clock;
+
 struct Session {
     std::unique_ptr<CURLSH, decltype(&curl_share_cleanup)> tlsSessions{curl_share_init(),
                                                                        &curl_share_cleanup};
     /// Keeps one connection.
     std::unique_ptr<CURLM, decltype(&curl_multi_cleanup)> multi{curl_multi_init(), &curl_multi_cleanup};
     curl_socket_t kept = CURL_SOCKET_BAD;
+    /// What it served last, and until when.
+    Exchange lastExchange = Exchange::Write;
+    Clock::time_point lastUse;
 };
 
 namespace {
 
 constexpr std::size_t kMaxIdle = 8;
+
+/// For how long after a read its connection is trusted with a write: less than common servers keep an idle
+/// one, so that hardly a write meets a farewell that is still on its way.
+constexpr std::chrono::seconds kMaxIdleBeforeWrite{3};
 
 /// The idle sessions of the process.
 struct Pool {
@@ -69,7 +79,8 @@ SessionLease::SessionLease() : m_session(TakeSession()), m_easy(curl_easy_init()
 
 SessionLease::~SessionLease()
 {
-    curl_easy_getinfo(Easy(), CURLINFO_ACTIVESOCKET, &m_session->kept);
+    if (!m_keeps)
+        m_session->kept = CURL_SOCKET_BAD;
     curl_multi_remove_handle(Multi(), Easy());
     m_easy.reset();
     Pool& pool = ThePool();
@@ -83,12 +94,22 @@ CURLM* SessionLease::Multi() const
     return m_session->multi.get();
 }
 
-bool SessionLease::HasQuietConnection() const
+bool SessionLease::MayReuse(Exchange exchange) const
 {
+    if (exchange == Exchange::Write && (m_session->lastExchange != Exchange::Read ||
+                                        Clock::now() - m_session->lastUse > kMaxIdleBeforeWrite))
+        return false;
     curl_waitfd kept{m_session->kept, CURL_WAIT_POLLIN, 0};
-    int ready = 0;
-    return kept.fd != CURL_SOCKET_BAD && curl_multi_wait(Multi(), &kept, 1, 0, &ready) == CURLM_OK &&
-           ready == 0;
+    // Not by the count of ready sockets: newer versions of libcurl count connections that they are closing.
+    return kept.fd != CURL_SOCKET_BAD && curl_multi_wait(Multi(), &kept, 1, 0, nullptr) == CURLM_OK &&
+           kept.revents == 0;
+}
+
+void SessionLease::KeepConnection(Exchange exchange)
+{
+    m_keeps = curl_easy_getinfo(Easy(), CURLINFO_ACTIVESOCKET, &m_session->kept) == CURLE_OK;
+    m_session->lastExchange = exchange;
+    m_session->lastUse = Clock::now();
 }
 
 } // namespace toolkit

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "toolkit/HttpClient.h"
+
 #include <curl/curl.h>
 
 #include <memory>
@@ -23,12 +25,16 @@ public:
 
     CURL* Easy() const { return m_easy.get(); }
     CURLM* Multi() const;
-    /// Whether there is a kept connection with nothing to read on it. What comes before a request goes out
-    /// was not asked for, and would be taken for the answer.
-    bool HasQuietConnection() const;
+    /// Whether @p exchange may run on the kept connection. On none with something to read: what comes before
+    /// a request goes out was not asked for, and would be taken for the answer, or is the peer's farewell. A
+    /// write, which nobody repeats when that connection turns out dead, only soon after a read.
+    bool MayReuse(Exchange exchange) const;
+    /// The exchange has ended whole: its connection may be used again.
+    void KeepConnection(Exchange exchange);
 
 private:
     std::unique_ptr<Session> m_session;
+    bool m_keeps = false;
     /// libcurl 7.88 reads freed memory when a used one meets an answer that begins with a folded header.
     std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> m_easy;
 };

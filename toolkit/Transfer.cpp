@@ -32,6 +32,7 @@ constexpr long kMaxRedirects = 5;
 
 constexpr const char* kTooLarge = "The answer is too large";
 constexpr const char* kCutOff = "The answer was cut off";
+constexpr const char* kNoAnswer = "The connection ended before the answer came";
 
 /// For how long an idle connection is trusted to be alive.
 constexpr long kMaxIdleSeconds = 30;
@@ -42,21 +43,6 @@ std::string Seconds(long ms)
     return std::to_string(ms / 1000) + (ms == 1000 ? " second" : " seconds");
 }
 
-#ifndef _WIN32
-int PrepareSocket(void*, curl_socket_t socket, curlsocktype) noexcept
-{
-    // A program that is started meanwhile must not hold the connection open.
-    fcntl(socket, F_SETFD, FD_CLOEXEC);
-#ifdef TCP_NOTSENT_LOWAT
-    // Otherwise the system may take megabytes of an upload at once and then, on a slow line, nothing for a
-    // minute, which looks like a stalled transfer.
-    const int bytes = 64 * 1024;
-    setsockopt(socket, IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
-#endif
-    return CURL_SOCKOPT_OK;
-}
-#endif
-
 class Transfer
 {
 public:
@@ -66,10 +52,13 @@ public:
     int Status() const { return static_cast<int>(Info<long>(CURLINFO_RESPONSE_CODE)); }
     /// Why there is no whole answer; empty when there is one.
     std::string FailureWords(CURLcode code) const;
+    /// After an exchange that has ended whole.
+    void KeepConnection() { m_session.KeepConnection(m_options.exchange); }
 
 private:
     static std::size_t OnHeader(char* data, std::size_t size, std::size_t count, void* self) noexcept;
     static std::size_t OnBody(char* data, std::size_t size, std::size_t count, void* self) noexcept;
+    static int OnSocket(void* self, curl_socket_t socket, curlsocktype) noexcept;
     static int OnRequestGoesOut(void* self, char*, char*, int, int) noexcept;
 
     CURL* Easy() const { return m_session.Easy(); }
@@ -81,9 +70,14 @@ private:
     void SetProtocols();
     void SetTrust();
     void SetRequest();
+    /// False, with the words of it, when the request of a write has gone out before.
+    bool MayGoOut();
     bool Take(std::string_view bytes);
     bool Deliver(std::string_view bytes);
     void NoteProgress();
+    /// Whether the whole answer is there although the request may not be out: a server need not wait for the
+    /// end of an upload, and may leave the rest of it unread.
+    bool IsAnsweredEarly() const;
     long ReadTimeLeftMs() const;
 
     const TransferOptions& m_options;
@@ -169,12 +163,42 @@ bool Transfer::Deliver(std::string_view bytes)
     return m_fault.empty();
 }
 
-int Transfer::OnRequestGoesOut(void* self, char*, char*, int, int) noexcept
+bool Transfer::MayGoOut()
 {
+    // libcurl sends a request again, unasked, when a kept connection dies under it; a write may have been
+    // carried out by then. Asked for every socket and every request, so that not even a connection is opened.
+    if (m_options.exchange == Exchange::Write && m_hop >= 0)
+        m_fault = kNoAnswer;
+    return m_fault.empty();
+}
+
+int Transfer::OnSocket(void* self, [[maybe_unused]] curl_socket_t socket, curlsocktype) noexcept
+try {
+#ifndef _WIN32
+    // A program that is started meanwhile must not hold the connection open.
+    fcntl(socket, F_SETFD, FD_CLOEXEC);
+#ifdef TCP_NOTSENT_LOWAT
+    // Otherwise the system may take megabytes of an upload at once and then, on a slow line, nothing for a
+    // minute, which looks like a stalled transfer.
+    const int bytes = 64 * 1024;
+    setsockopt(socket, IPPROTO_TCP, TCP_NOTSENT_LOWAT, &bytes, sizeof bytes);
+#endif
+#endif
+    return static_cast<Transfer*>(self)->MayGoOut() ? CURL_SOCKOPT_OK : CURL_SOCKOPT_ERROR;
+} catch (...) {
+    return CURL_SOCKOPT_ERROR;
+}
+
+int Transfer::OnRequestGoesOut(void* self, char*, char*, int, int) noexcept
+try {
     auto& transfer = *static_cast<Transfer*>(self);
+    if (!transfer.MayGoOut())
+        return CURL_PREREQFUNC_ABORT;
     transfer.m_lastMove = Clock::now();
     transfer.m_hop = transfer.Info<long>(CURLINFO_REDIRECT_COUNT);
     return CURL_PREREQFUNC_OK;
+} catch (...) {
+    return CURL_PREREQFUNC_ABORT;
 }
 
 Transfer::Transfer(const TransferOptions& options) : m_options(options)
@@ -188,15 +212,11 @@ Transfer::Transfer(const TransferOptions& options) : m_options(options)
     Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     Set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
     Set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-#ifndef _WIN32
-    Set(CURLOPT_SOCKOPTFUNCTION, &PrepareSocket);
-#endif
+    Set(CURLOPT_SOCKOPTFUNCTION, &Transfer::OnSocket);
+    Set(CURLOPT_SOCKOPTDATA, this);
     Set(CURLOPT_CONNECTTIMEOUT_MS, m_options.connectTimeoutMs);
     Set(CURLOPT_MAXAGE_CONN, kMaxIdleSeconds);
-    // libcurl sends a request again when a kept connection dies under it. A write may have been carried out
-    // by then, so it gets a connection of its own.
-    const bool mayReuse = m_options.exchange == Exchange::Read && m_session.HasQuietConnection();
-    Set(CURLOPT_FRESH_CONNECT, mayReuse ? 0L : 1L);
+    Set(CURLOPT_FRESH_CONNECT, m_session.MayReuse(m_options.exchange) ? 0L : 1L);
     SetProtocols();
     SetTrust();
     SetRequest();
@@ -294,6 +314,12 @@ void Transfer::NoteProgress()
     m_moved = moved;
 }
 
+bool Transfer::IsAnsweredEarly() const
+{
+    return m_options.exchange == Exchange::Write &&
+           Info<curl_off_t>(CURLINFO_CONTENT_LENGTH_DOWNLOAD_T) == Info<curl_off_t>(CURLINFO_SIZE_DOWNLOAD_T);
+}
+
 long Transfer::ReadTimeLeftMs() const
 {
     if (m_hop != Info<long>(CURLINFO_REDIRECT_COUNT))
@@ -319,7 +345,8 @@ CURLcode Transfer::Drive()
         NoteProgress();
         const long leftMs = ReadTimeLeftMs();
         if (leftMs <= 0) {
-            m_fault = "Timed out: no data for " + Seconds(m_options.readTimeoutMs);
+            if (!IsAnsweredEarly())
+                m_fault = "Timed out: no data for " + Seconds(m_options.readTimeoutMs);
             return CURLE_OPERATION_TIMEDOUT;
         }
         // libcurl cuts the wait where a time-out of its own comes first.
@@ -334,6 +361,8 @@ std::string Transfer::FailureWords(CURLcode code) const
         return m_fault;
     if (m_options.form && !m_options.form->ReadError().empty())
         return m_options.form->ReadError();
+    if ((code == CURLE_SEND_ERROR || code == CURLE_OPERATION_TIMEDOUT) && IsAnsweredEarly())
+        code = CURLE_OK;
     std::string words = m_curlText[0] ? m_curlText : curl_easy_strerror(code);
     switch (code) {
     case CURLE_OK:
@@ -362,6 +391,8 @@ void RunTransfer(const TransferOptions& options, int* status)
     const std::string words = transfer.FailureWords(code);
     if (!words.empty())
         throw std::runtime_error(words);
+    if (code == CURLE_OK)
+        transfer.KeepConnection();
 }
 
 } // namespace toolkit

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 
@@ -68,6 +69,20 @@ void RawServer::Connection::CloseTls()
 {
     if (m_tls)
         SSL_shutdown(m_tls);
+}
+
+bool RawServer::Connection::AwaitBytes()
+{
+    char byte;
+    return (m_tls ? SSL_peek(m_tls, &byte, 1) : static_cast<int>(recv(m_socket, &byte, 1, MSG_PEEK))) > 0;
+}
+
+void RawServer::Connection::Die(bool byReset)
+{
+    sockaddr nobody{};
+    nobody.sa_family = AF_UNSPEC;
+    Require((byReset ? connect(m_socket, &nobody, sizeof nobody) : shutdown(m_socket, SHUT_RDWR)) == 0 ||
+            errno == ENOTCONN);
 }
 
 void RawServer::Connection::Hang()

@@ -30,6 +30,10 @@ public:
         bool Send(std::string_view bytes);
         /// Sends the TLS close, as a server does that ends a body with the connection.
         void CloseTls();
+        /// Blocks until the client has sent something, which stays unread; false when it has gone.
+        bool AwaitBytes();
+        /// Ends the connection at once, without a TLS close.
+        void Die(bool byReset);
         /// Blocks until the client or the server ends the connection.
         void Hang();
 

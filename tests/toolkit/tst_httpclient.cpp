@@ -10,7 +10,6 @@
 
 #include <array>
 #include <climits>
-#include <future>
 #include <thread>
 #include <tuple>
 
@@ -240,75 +239,6 @@ private slots:
             QVERIFY(!answer || answer->BodyStr() == "abcdef");
             QVERIFY2(ms >= afterMs - 10 && ms < afterMs + 10000, qPrintable(QString::number(ms)));
         }
-    }
-
-    void deadConnection()
-    {
-        // Every connection answers "/first"; a change on any connection, and a read on a kept one, is carried
-        // out and then left without an answer.
-        RawServer server([](Connection& connection) {
-            for (int i = 0;; ++i) {
-                const std::string request = connection.Receive();
-                if (request.empty() || request.find("/write") != std::string::npos ||
-                    (i > 0 && request.find("/read") != std::string::npos))
-                    return;
-                connection.Send(RawServer::Ok("{}"));
-            }
-        });
-        const auto post = [&](const char* path, Exchange exchange) {
-            return HttpClient().PostJson(server.Origin() + path, "{}", exchange) != nullptr;
-        };
-        QVERIFY(post("/first", Exchange::Read));
-        QVERIFY(post("/read", Exchange::Read));
-        QCOMPARE(server.Requests().size(), std::size_t(3));
-        QVERIFY(!post("/write", Exchange::Write));
-        QCOMPARE(server.Requests().size(), std::size_t(4));
-    }
-
-    void connectionsAreKept()
-    {
-        RawServer server(RawServer::Always(RawServer::Ok("{}")), Mode::Tls);
-        const auto connectionsAfter = [&](Exchange exchange) {
-            HttpClient client;
-            client.SetTrustAnchors(server.CaFile());
-            return client.PostJson(server.Origin(), "{}", exchange) ? server.Connections() : -1;
-        };
-        QCOMPARE(connectionsAfter(Exchange::Write), 1);
-        QCOMPARE(connectionsAfter(Exchange::Read), 1);
-        QCOMPARE(connectionsAfter(Exchange::Read), 1);
-        QCOMPARE(connectionsAfter(Exchange::Write), 2);
-        QCOMPARE(connectionsAfter(Exchange::Read), 2);
-    }
-
-    void unaskedAnswer()
-    {
-        // What comes before the next request must not be taken for its answer.
-        std::promise<Connection*> peer;
-        RawServer server([&, first = true](Connection& connection) mutable {
-            connection.Receive();
-            connection.Send(RawServer::Ok("asked"));
-            if (std::exchange(first, false))
-                peer.set_value(&connection);
-            connection.Hang();
-        });
-        const auto read = [&] { return HttpClient().PostJson(server.Origin(), "{}", Exchange::Read); };
-        QVERIFY(read());
-        QVERIFY(peer.get_future().get()->Send(RawServer::Ok("forged")));
-        const auto second = read();
-        QVERIFY(second && second->BodyStr() == "asked");
-    }
-
-    void foldedFirstHeader()
-    {
-        // Whether libcurl takes it or not, it must not use freed memory (found by a sanitizer).
-        RawServer server([](Connection& connection) {
-            for (const char* line : {"X: 1\r\n", " Folded: 1\r\n", "X: 1\r\n"}) {
-                connection.Receive();
-                connection.Send(kOk + line + "Content-Length: 2\r\n\r\n{}");
-            }
-        });
-        for (int i = 0; i < 3; ++i)
-            QVERIFY(HttpClient().PostJson(server.Origin(), "{}", Exchange::Read) || i == 1);
     }
 
     void origins()

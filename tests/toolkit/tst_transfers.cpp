@@ -128,6 +128,40 @@ private slots:
         }
     }
 
+    void answerDuringUpload()
+    {
+        QTemporaryDir folder;
+        const auto path = writeFile(folder.filePath("large"), QByteArray(8 << 20, 'x')).toStdString();
+        HttpRequest request = Push();
+        QVERIFY(request.AddFileForUpload("definitions", path));
+        for (const auto& variant : {std::pair(false, true), {true, true}, {true, false}}) {
+            for (const Mode mode : {Mode::Plain, Mode::Tls}) {
+                const bool leaves = variant.first;
+                const bool whole = variant.second;
+                const std::string bytes = RawServer::Ok("{}").substr(0, whole ? std::string::npos : 30);
+                std::promise<void> clientIsDone;
+                RawServer server(
+                    [&](Connection& connection) {
+                        connection.ReceiveSome(1000);
+                        connection.Send(bytes);
+                        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+                        if (!leaves)
+                            clientIsDone.get_future().wait();
+                    },
+                    mode);
+                HttpClient client;
+                client.SetReadTimeout(1);
+                if (mode == Mode::Tls)
+                    client.SetTrustAnchors(server.CaFile());
+                const auto answer =
+                    client.SynchronousRequest("localhost", server.Port(), mode == Mode::Tls, request);
+                clientIsDone.set_value();
+                QVERIFY2(client.LastErrorText().empty() == whole, client.LastErrorText().c_str());
+                QCOMPARE(answer && answer->BodyStr() == "{}", whole);
+            }
+        }
+    }
+
     void fileChanges()
     {
         constexpr std::uintmax_t whole = 8 << 20;
