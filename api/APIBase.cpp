@@ -23,6 +23,14 @@ void readEnvelope(const QJsonObject& envelope, ApiResponse* response)
         response->data = QJsonDocument(data.toObject());
 }
 
+// Under the name that these lines have in the log's form.
+void logRequest(const QString& url, const QJsonObject& params)
+{
+    constexpr char operation[] = "sendPostRequest";
+    logLine(operation, __LINE__) << "url: " << url;
+    logLine(operation, __LINE__) << "params: " << params;
+}
+
 } // namespace
 
 toolkit::HttpClient APIBase::basicClient() const
@@ -52,17 +60,26 @@ std::unique_ptr<toolkit::HttpResponse> APIBase::post(toolkit::HttpClient* client
 ApiResponse APIBase::sendPostRequest(const QString& path, const QJsonObject& params,
                                      toolkit::Exchange exchange) const
 {
-    LOG_D << "url: " << m_baseUrl + path;
-    LOG_D << "params: " << params;
+    RawAnswer answer;
+    ApiResponse response = sendRawRequest(path, params, exchange, &answer);
+    if (answer.body)
+        readEnvelope(jsonObject(answer.bytes), &response);
+    return response;
+}
+
+ApiResponse APIBase::sendRawRequest(const QString& path, const QJsonObject& params,
+                                    toolkit::Exchange exchange, RawAnswer* answer) const
+{
+    logRequest(m_baseUrl + path, params);
     auto client = this->client();
-    const auto answer = post(&client, path, params, exchange);
+    const std::shared_ptr<const toolkit::HttpResponse> received = post(&client, path, params, exchange);
 
     ApiResponse response;
     response.code = static_cast<quint8>(client.LastStatus() & 0xff);
-    if (!answer)
+    if (!received)
         response.message = QString::fromStdString(client.LastErrorText());
-    else if (const auto text = answer->BodyStr())
-        readEnvelope(jsonObject(*text), &response);
+    else if (const auto text = received->BodyStr())
+        *answer = {*text, received};
     else
         response.message = QStringLiteral("No response body");
     return response;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/ApiResponse.h"
+#include "api/RawAnswer.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -34,6 +35,11 @@ public:
     /// retries a write. The caller puts every member into @p params, the token included.
     ApiResponse sendPostRequest(const QString& path, const QJsonObject& params,
                                 toolkit::Exchange exchange) const;
+
+    /// The same, without a look into the answer: @p answer receives it where there is one.
+    /// @return the HTTP status and, without an answer, why there is none
+    ApiResponse sendRawRequest(const QString& path, const QJsonObject& params, toolkit::Exchange exchange,
+                               RawAnswer* answer) const;
 
     /// GETs @p url into the file @p outputPath, which appears only when it is complete.
     bool downloadFile(const QString& url, const QString& outputPath) const;

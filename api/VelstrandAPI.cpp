@@ -17,14 +17,6 @@ QJsonArray idObjects(const QStringList& cloneIds)
     return array;
 }
 
-bool takeArray(const ApiResponse& response, QJsonArray* array)
-{
-    if (!response.success || !response.data.isArray())
-        return false;
-    *array = response.data.array();
-    return true;
-}
-
 bool takeObject(const ApiResponse& response, QJsonObject* object)
 {
     if (!response.success || !response.data.isObject())
@@ -51,6 +43,18 @@ ApiResponse VelstrandAPI::read(const char* operation, const QJsonObject& params)
     return sendPostRequest(kPathPrefix + operation, params, toolkit::Exchange::Read);
 }
 
+bool VelstrandAPI::fetch(const char* operation, const QJsonObject& params, RawAnswer* answer) const
+{
+    RawAnswer received;
+    const ApiResponse response =
+        sendRawRequest(kPathPrefix + operation, params, toolkit::Exchange::Read, &received);
+    if (received.body)
+        *answer = received;
+    else
+        LOG_D << operation << ": " << response.message;
+    return bool(received.body);
+}
+
 bool VelstrandAPI::change(const char* operation, const QJsonObject& params) const
 {
     return sendPostRequest(kPathPrefix + operation, params, toolkit::Exchange::Write).success;
@@ -65,9 +69,9 @@ bool VelstrandAPI::getGlobalConfig(const QString& token, QString* configJson) co
     return response.data.isObject();
 }
 
-bool VelstrandAPI::getDeviceList(const QString& token, QJsonArray* array) const
+bool VelstrandAPI::getDeviceList(const QString& token, RawAnswer* answer) const
 {
-    return takeArray(read("device/list", {{"token", token}}), array);
+    return fetch("device/list", {{"token", token}}, answer);
 }
 
 bool VelstrandAPI::confirmDevice(const QString& token, const QString& androidId) const
@@ -96,9 +100,9 @@ bool VelstrandAPI::getUserInfo(const QString& token, QJsonObject* userInfo) cons
     return takeObject(response, userInfo);
 }
 
-bool VelstrandAPI::getCloneList(const QString& token, const QString& androidId, QJsonArray* array) const
+bool VelstrandAPI::getCloneList(const QString& token, const QString& androidId, RawAnswer* answer) const
 {
-    return takeArray(read("clone/list", {{"token", token}, {"android_id", androidId}}), array);
+    return fetch("clone/list", {{"token", token}, {"android_id", androidId}}, answer);
 }
 
 bool VelstrandAPI::addClones(const QString& token, const QString& network, const QJsonArray& clones) const

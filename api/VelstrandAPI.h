@@ -20,14 +20,15 @@ public:
     /// @p configJson becomes the configuration as compact JSON text. A success with data of another shape is
     /// written too, but the result is false.
     bool getGlobalConfig(const QString& token, QString* configJson) const;
-    bool getDeviceList(const QString& token, QJsonArray* array) const;
+    /// The two lists are handed out unread: true means that there is an answer, whatever it says.
+    bool getDeviceList(const QString& token, RawAnswer* answer) const;
     bool confirmDevice(const QString& token, const QString& androidId) const;
     bool deleteDevice(const QString& token, const QString& androidId) const;
     bool saveDeviceConfig(const QString& token, const QString& androidId,
                           const QJsonObject& deviceConfig) const;
     bool getUserInfo(const QString& token, QJsonObject* userInfo) const;
     /// @p androidId limits the list to one device; empty for all.
-    bool getCloneList(const QString& token, const QString& androidId, QJsonArray* array) const;
+    bool getCloneList(const QString& token, const QString& androidId, RawAnswer* answer) const;
     bool addClones(const QString& token, const QString& network, const QJsonArray& clones) const;
     bool updateGlobalConfig(const QString& token, const QJsonObject& globalConfig) const;
     bool getReports(const QString& token, const QJsonArray& dateList, QJsonObject* reports) const;
@@ -48,6 +49,8 @@ public:
 private:
     /// The answer to an operation that changes nothing, and so may be repeated.
     ApiResponse read(const char* operation, const QJsonObject& params) const;
+    /// The same without a look into the answer; whether there is one.
+    bool fetch(const char* operation, const QJsonObject& params, RawAnswer* answer) const;
     /// Sends a change, once at most; whether the service has carried it out.
     bool change(const char* operation, const QJsonObject& params) const;
 };

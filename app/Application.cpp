@@ -68,8 +68,38 @@ struct Application::Job {
     }
 };
 
+struct Application::List {
+    Fetch Application::* fetch;
+    RecordModel* (AppModel::*model)();
+    bool (*ask)(const VelstrandAPI& api, const QString& token, RawAnswer* answer);
+    ListReading (*read)(std::string_view answer, const SnapshotPtr& last, const QString& owner);
+    void (Application::*done)(DifferencePtr difference);
+    const char* failure;
+};
+
+const Application::List Application::kDevices{
+    &Application::m_deviceFetch,
+    &AppModel::deviceModel,
+    [](const VelstrandAPI& api, const QString& token, RawAnswer* answer) {
+        return api.getDeviceList(token, answer);
+    },
+    &AppModel::readDevices,
+    &Application::getDeviceListDone,
+    QT_TR_NOOP("Load device list failure!")};
+
+const Application::List Application::kClones{
+    &Application::m_cloneFetch,
+    &AppModel::cloneModel,
+    [](const VelstrandAPI& api, const QString& token, RawAnswer* answer) {
+        return api.getCloneList(token, QString(), answer);
+    },
+    &AppModel::readClones,
+    &Application::getCloneListDone,
+    QT_TR_NOOP("Load clone list failure!")};
+
 Application::Application(QObject* parent) : QObject(parent)
 {
+    qRegisterMetaType<DifferencePtr>();
     loadUserInfo();
 
     connect(this, &Application::getUserInfo, this, &Application::onGetUserInfo);
@@ -155,31 +185,74 @@ void Application::onGetUserInfo(const QVariant& userInfo)
         m_farmOwner = user->token();
         AppModel::instance()->clearFarm();
     }
-    if (entering)
-        getDeviceList();
+    if (entering) {
+        fetch(kClones);
+        fetch(kDevices);
+    }
 }
 
-// Devices
+// Lists
+
+void Application::fetch(const List& list)
+{
+    Fetch& latest = this->*list.fetch;
+    if (latest.underWay && latest.token == currentToken()) {
+        latest.again = true;
+        return;
+    }
+    latest = {latest.number + 1, currentToken(), true, false};
+    const SnapshotPtr last = (AppModel::instance()->*list.model)()->snapshot();
+    start([&list, number = latest.number, last](const Job& job) {
+        RawAnswer answer;
+        ListReading reading;
+        if (list.ask(*job.api, job.token, &answer)) {
+            reading = list.read(answer.bytes, last, job.token);
+            if (!reading.success)
+                LOG_D << list.failure << ": " << reading.message;
+        }
+        job.deliver([&list, number, token = job.token,
+                     difference = DifferencePtr(reading.difference)](Application* app) {
+            Fetch& mine = app->*list.fetch;
+            // Meanwhile asked for another account.
+            if (mine.number != number)
+                return;
+            mine.underWay = false;
+            if (currentToken() != token)
+                return;
+            emit(app->*list.done)(difference);
+            if (!difference)
+                emit app->pushNotification(Error, tr(list.failure));
+            if (mine.again)
+                app->fetch(list);
+        });
+    });
+}
 
 void Application::getDeviceList()
 {
-    start([](const Job& job) {
-        QJsonArray array;
-        const bool fetched = job.api->getDeviceList(job.token, &array);
-        job.deliverForToken([fetched, records = array.toVariantList()](Application* app) {
-            emit app->getDeviceListDone(records);
-            if (!fetched)
-                emit app->pushNotification(Error, tr("Load device list failure!"));
-        });
-    });
-    if (AppModel::instance()->cloneList().isEmpty())
-        getCloneList();
+    fetch(kDevices);
+    if (AppModel::instance()->cloneModel()->snapshot()->records.empty() && !m_cloneFetch.underWay)
+        fetch(kClones);
 }
 
-void Application::onGetDeviceListDone(const QVariantList& array)
+void Application::onGetDeviceListDone(const DifferencePtr& difference)
 {
-    AppModel::instance()->setDevices(array);
+    if (difference)
+        AppModel::instance()->applyDevices(*difference);
 }
+
+void Application::getCloneList()
+{
+    fetch(kClones);
+}
+
+void Application::onGetCloneListDone(const DifferencePtr& difference)
+{
+    if (difference)
+        AppModel::instance()->applyClones(*difference);
+}
+
+// Devices
 
 void Application::confirmSelectedDevice(QObject* device)
 {
@@ -215,24 +288,6 @@ void Application::saveDeviceConfig(QObject* device)
 }
 
 // Clones
-
-void Application::getCloneList()
-{
-    start([](const Job& job) {
-        QJsonArray array;
-        const bool fetched = job.api->getCloneList(job.token, QString(), &array);
-        job.deliverForToken([fetched, records = array.toVariantList()](Application* app) {
-            emit app->getCloneListDone(records);
-            if (!fetched)
-                emit app->pushNotification(Error, tr("Load clone list failure!"));
-        });
-    });
-}
-
-void Application::onGetCloneListDone(const QVariantList& array)
-{
-    AppModel::instance()->setClones(array);
-}
 
 void Application::updateFarmProfile(const QString& profile)
 {

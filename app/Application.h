@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/BuildNumber.h"
+#include "models/Difference.h"
 
 #include <QObject>
 #include <QSettings>
@@ -37,7 +38,8 @@ public:
     Q_INVOKABLE void checkUser();
     /// Reads the reserved list of earlier users; has no effect on the model.
     Q_INVOKABLE void loadAllCachedUsers();
-    /// Fetches the devices, and the clones too while there are none.
+    /// Fetches the devices, and the clones too while there are none. While a fetch of a list is under way,
+    /// any number of further wishes leads to one more.
     Q_INVOKABLE void getDeviceList();
     Q_INVOKABLE void confirmSelectedDevice(QObject* device);
     Q_INVOKABLE void deleteSelectedDevice(QObject* device);
@@ -69,8 +71,9 @@ public:
 
 signals:
     void getUserInfo(QVariant userInfo);
-    void getDeviceListDone(QVariantList array);
-    void getCloneListDone(QVariantList array);
+    /// After every fetch; @p difference is null where it failed.
+    void getDeviceListDone(DifferencePtr difference);
+    void getCloneListDone(DifferencePtr difference);
     void getGlobalConfig(QString configJson);
     /// @p type is a MessageType.
     void pushNotification(int type, QString message);
@@ -78,13 +81,26 @@ signals:
 private:
     void loadUserInfo();
     void onGetUserInfo(const QVariant& userInfo);
-    void onGetDeviceListDone(const QVariantList& array);
-    void onGetCloneListDone(const QVariantList& array);
+    void onGetDeviceListDone(const DifferencePtr& difference);
+    void onGetCloneListDone(const DifferencePtr& difference);
     void onGetGlobalConfig(const QString& configJson);
 
     struct Job;
     /// Runs @p work on a worker, for the token of this moment.
     void start(std::function<void(const Job&)> work);
+    /// A list's latest fetch.
+    struct Fetch {
+        int number = 0;
+        QString token;
+        bool underWay = false;
+        bool again = false;
+    };
+    /// One of the two lists: whom to ask, how to read the answer, and where it goes.
+    struct List;
+    static const List kDevices;
+    static const List kClones;
+    void fetch(const List& list);
+
     /// Notifies the user of how a change ended; of a success only if @p success has text. Returns @p done.
     bool announce(bool done, const QString& failure, const QString& success = QString());
 
@@ -92,6 +108,8 @@ private:
     AppIO* m_appIO = nullptr;
     /// The token being checked, while a check is under way.
     std::optional<QString> m_checkedToken;
+    Fetch m_deviceFetch;
+    Fetch m_cloneFetch;
     /// Token of the account whose farm the model holds; empty before the first sign-in.
     QString m_farmOwner;
 };

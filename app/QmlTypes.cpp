@@ -6,6 +6,7 @@
 #include "models/FarmActionConfig.h"
 #include "models/FarmProfile.h"
 #include "models/GlobalConfig.h"
+#include "models/ListRecord.h"
 #include "models/LongText.h"
 #include "models/ReportsByDate.h"
 #include "models/UserInfo.h"
@@ -27,6 +28,6 @@ void registerRecords()
 void registerQmlTypes()
 {
     registerRecords<CloneInfo, DeviceConfig, DeviceInfo, FarmActionConfig, FarmProfile, GlobalConfig,
-                    ReportsByDate, UserInfo>();
+                    ListRecord, ReportsByDate, UserInfo>();
     qmlRegisterType<LongText>("Velstrand", 1, 0, "LongText");
 }

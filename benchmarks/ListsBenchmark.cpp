@@ -2,212 +2,168 @@
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QJsonArray>
-#include <QSet>
+#include <QJsonDocument>
+#include <QThreadPool>
 
 #include <benchmark/benchmark.h>
 
-#include <memory>
-
-// The clone list at the size of a large farm, each step beside the least that it could cost.
+// The clone list of a large farm: what a worker does with an answer beside Qt's parser, and what the UI
+// thread then does with the difference. The argument is the number of clones.
 
 namespace {
 
-constexpr int kClones = 50000;
 constexpr int kDevices = 1000;
 constexpr int kPasted = 10000;
+const QString kToken = QStringLiteral("token");
 
 QString uid(int i)
 {
     return QString::number(100000000000000 + i);
 }
 
-/// The clones as the service sends them and the client hands them over.
-const QVariantList& records()
+QByteArray clone(int i, int password)
 {
-    static const QVariantList list = [] {
-        QJsonArray array;
-        for (int i = 0; i < kClones; ++i) {
-            array.append(QJsonObject{{"id", QString("id%1").arg(i)},
-                                     {"uid", uid(i)},
-                                     {"cookies", QString("c_user=%1; xs=abcdef").arg(i)},
-                                     {"device_id", QString("android-%1").arg(i % kDevices)},
-                                     {"email", QString("clone%1@mail.example").arg(i)},
-                                     {"firstname", "First"},
-                                     {"lastname", "Last"},
-                                     {"mail_password", "secret"},
-                                     {"network", "facebook"},
-                                     {"password", "secret"},
-                                     {"novery", i % 2 == 0},
-                                     {"restriction", i % 32},
-                                     {"secretkey", "ABCD EFGH"},
-                                     {"secure_flags", 1},
-                                     {"status", 1 << i % 4},
-                                     {"user_id", "user"},
-                                     {"farm_profile", QString("profile %1").arg(i % 7)}});
-        }
-        return array.toVariantList();
-    }();
-    return list;
+    const QJsonObject members{{"id", QString("650c0ffee0%1").arg(i, 14, 16, QLatin1Char('0'))},
+                              {"uid", uid(i)},
+                              {"cookies", QString("c_user=%1; xs=abcdefghijklmnopqrstuvwxyz%1").arg(i)},
+                              {"device_id", QString("android-%1").arg(i % kDevices)},
+                              {"email", QString("clone%1@mail.example").arg(i)},
+                              {"firstname", "First"},
+                              {"lastname", "Last"},
+                              {"mail_password", "secret"},
+                              {"network", "facebook"},
+                              {"password", QString("secret%1").arg(password)},
+                              {"novery", i % 2 == 0},
+                              {"restriction", i % 32},
+                              {"secretkey", "ABCD EFGH IJKL MNOP QRST"},
+                              {"secure_flags", 1},
+                              {"status", 1 << i % 4},
+                              {"user_id", "65f0c0ffee0000000000000a"},
+                              {"farm_profile", QString("profile %1").arg(i % 7)}};
+    return QJsonDocument(members).toJson(QJsonDocument::Compact);
 }
 
-QVariantList pastedUids()
+/// How an answer differs from the first: every n-th clone is changed, gone or new.
+struct Variant {
+    int changed = 0;
+    int replaced = 0;
+    int from = 0;
+};
+
+QByteArray answer(int clones, const Variant& variant = {})
 {
+    QByteArray list;
+    for (int i = 0; i < clones; ++i) {
+        const bool replaced = variant.replaced && i % variant.replaced == 7;
+        const int id = variant.from + i + (replaced ? 10 * clones : 0);
+        list += (i ? "," : "") + clone(id, variant.changed && i % variant.changed == 7 ? 1 : 0);
+    }
+    return R"({"code":200,"success":true,"message":"","data":[)" + list + "]}";
+}
+
+ListReading read(const QByteArray& bytes, const SnapshotPtr& last)
+{
+    return AppModel::readClones({bytes.data(), std::size_t(bytes.size())}, last, kToken);
+}
+
+SnapshotPtr none()
+{
+    return std::make_shared<const Snapshot>();
+}
+
+// The floor that the readings are judged by.
+void qtParser(benchmark::State& state)
+{
+    const QByteArray bytes = answer(int(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(QJsonDocument::fromJson(bytes));
+}
+
+void readFirst(benchmark::State& state)
+{
+    const QByteArray bytes = answer(int(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(read(bytes, none()));
+    QThreadPool::globalInstance()->waitForDone();
+}
+
+void readDifferent(benchmark::State& state, const Variant& variant)
+{
+    const SnapshotPtr last = read(answer(int(state.range(0))), none()).difference->after;
+    const QByteArray bytes = answer(int(state.range(0)), variant);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(read(bytes, last));
+    QThreadPool::globalInstance()->waitForDone();
+}
+
+/// The UI thread's part, with as many objects as a view shows; from one answer to the other and back.
+void refresh(benchmark::State& state, const Variant& variant)
+{
+    AppModel model;
+    RecordModel& clones = *model.cloneModel();
+    const QByteArray answers[] = {answer(int(state.range(0))), answer(int(state.range(0)), variant)};
+    model.applyClones(*read(answers[0], clones.snapshot()).difference);
+    for (int row = 0; row < 60; ++row)
+        clones.data(clones.index(row), Qt::UserRole);
+    int next = 1;
+    for (auto _ : state) {
+        state.PauseTiming();
+        const ListReading reading = read(answers[next], clones.snapshot());
+        next = 1 - next;
+        state.ResumeTiming();
+        model.applyClones(*reading.difference);
+        state.PauseTiming();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QThreadPool::globalInstance()->waitForDone();
+        state.ResumeTiming();
+    }
+}
+
+void filterUids(benchmark::State& state)
+{
+    AppModel model;
+    model.cloneModel()->replace(read(answer(int(state.range(0))), none()).difference->after);
     QVariantList uids;
     for (int i = 0; i < kPasted; ++i)
         uids.append(uid(i * 7)); // some of them nobody's
-    return uids;
-}
-
-void deleteTheOld()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-// Floor of reading: look at every key and value once.
-void walkRecords(benchmark::State& state)
-{
-    records();
     for (auto _ : state) {
-        int size = 0;
-        for (const QVariant& record : records()) {
-            const QVariantMap map = record.toMap();
-            for (auto it = map.cbegin(); it != map.cend(); ++it)
-                size += it.key().size() + it.value().toString().size();
-        }
-        benchmark::DoNotOptimize(size);
-    }
-}
-
-void setClones(benchmark::State& state)
-{
-    AppModel model;
-    records();
-    for (auto _ : state) {
-        model.setClones(records());
-        state.PauseTiming();
-        deleteTheOld();
-        state.ResumeTiming();
-    }
-}
-
-void deleteClones(benchmark::State& state)
-{
-    AppModel model;
-    for (auto _ : state) {
-        state.PauseTiming();
-        model.setClones(records());
-        model.setClones({});
-        state.ResumeTiming();
-        deleteTheOld();
-    }
-}
-
-// Floor of deleting: as many empty objects.
-void deleteObjects(benchmark::State& state)
-{
-    for (auto _ : state) {
-        state.PauseTiming();
-        auto holder = std::make_unique<QObject>();
-        for (int i = 0; i < kClones; ++i)
-            new QObject(holder.get());
-        state.ResumeTiming();
-        holder.reset();
-    }
-}
-
-// Floor of filtering: a set of the pasted uids, and one look-up a clone.
-void lookUpUids(benchmark::State& state)
-{
-    const QVariantList uids = pastedUids();
-    QStringList all;
-    for (int i = 0; i < kClones; ++i)
-        all.append(uid(i));
-    for (auto _ : state) {
-        QSet<QString> accepted;
-        for (const QVariant& value : uids)
-            accepted.insert(value.toString());
-        int passing = 0;
-        for (const QString& candidate : qAsConst(all))
-            passing += accepted.contains(candidate);
-        benchmark::DoNotOptimize(passing);
-    }
-}
-
-void filterClones(benchmark::State& state)
-{
-    AppModel model;
-    model.setClones(records());
-    const QVariantMap filters{{"uid", pastedUids()}};
-    for (auto _ : state) {
-        model.filterClones(filters);
+        model.filterClones({{"uid", uids}});
         state.PauseTiming();
         model.filterClones({});
         state.ResumeTiming();
     }
 }
 
-// Floor of ticking: look at every clone once.
-void walkClones(benchmark::State& state)
+void tickAll(benchmark::State& state)
 {
     AppModel model;
-    model.setClones(records());
-    for (auto _ : state) {
-        int shown = 0;
-        for (const CloneInfo* clone : model.clones())
-            shown += clone->filtered();
-        benchmark::DoNotOptimize(shown);
-    }
-}
-
-void selectAllClones(benchmark::State& state)
-{
-    AppModel model;
-    model.setClones(records());
+    model.cloneModel()->replace(read(answer(int(state.range(0))), none()).difference->after);
     bool selected = false;
     for (auto _ : state)
         model.selectAllClones(selected = !selected);
 }
 
-// Floor of counting: one step in a hash for each clone.
-void countDeviceIds(benchmark::State& state)
+const Variant kSame;
+const Variant kChanged{100, 0, 0};
+const Variant kReplaced{0, 100, 0};
+const Variant kAllNew{0, 0, 100000000};
+
+void sizes(benchmark::internal::Benchmark* registered)
 {
-    QStringList ids;
-    for (int i = 0; i < kClones; ++i)
-        ids.append(QString("android-%1").arg(i % kDevices));
-    for (auto _ : state) {
-        QHash<QString, int> counts;
-        for (const QString& id : qAsConst(ids))
-            ++counts[id];
-        benchmark::DoNotOptimize(counts.size());
-    }
+    registered->Unit(benchmark::kMillisecond)->Arg(50)->Arg(5000)->Arg(50000)->Arg(200000);
 }
 
-void setDevicesCountingClones(benchmark::State& state)
-{
-    AppModel model;
-    model.setClones(records());
-    QVariantList devices;
-    for (int i = 0; i < kDevices; ++i)
-        devices.append(QVariantMap{{"android_id", QString("android-%1").arg(i)}});
-    for (auto _ : state) {
-        model.setDevices(devices);
-        state.PauseTiming();
-        deleteTheOld();
-        state.ResumeTiming();
-    }
-}
-
-BENCHMARK(walkRecords)->Unit(benchmark::kMillisecond);
-BENCHMARK(setClones)->Unit(benchmark::kMillisecond);
-BENCHMARK(deleteObjects)->Unit(benchmark::kMillisecond);
-BENCHMARK(deleteClones)->Unit(benchmark::kMillisecond);
-BENCHMARK(lookUpUids)->Unit(benchmark::kMillisecond);
-BENCHMARK(filterClones)->Unit(benchmark::kMillisecond);
-BENCHMARK(walkClones)->Unit(benchmark::kMillisecond);
-BENCHMARK(selectAllClones)->Unit(benchmark::kMillisecond);
-BENCHMARK(countDeviceIds)->Unit(benchmark::kMillisecond);
-BENCHMARK(setDevicesCountingClones)->Unit(benchmark::kMillisecond);
+BENCHMARK(qtParser)->Apply(sizes);
+BENCHMARK(readFirst)->Apply(sizes);
+BENCHMARK_CAPTURE(readDifferent, same, kSame)->Apply(sizes);
+BENCHMARK_CAPTURE(readDifferent, changed, kChanged)->Apply(sizes);
+BENCHMARK_CAPTURE(readDifferent, replaced, kReplaced)->Apply(sizes);
+BENCHMARK_CAPTURE(readDifferent, all_new, kAllNew)->Apply(sizes);
+BENCHMARK_CAPTURE(refresh, changed, kChanged)->Apply(sizes);
+BENCHMARK_CAPTURE(refresh, replaced, kReplaced)->Apply(sizes);
+BENCHMARK_CAPTURE(refresh, all_new, kAllNew)->Apply(sizes);
+BENCHMARK(filterUids)->Apply(sizes);
+BENCHMARK(tickAll)->Apply(sizes);
 
 } // namespace
 

@@ -2,6 +2,8 @@
 
 #include "models/CloneFilter.h"
 
+#include <QDateTime>
+
 namespace {
 
 constexpr int kReportDays = 10;
@@ -14,7 +16,10 @@ AppModel* AppModel::instance()
     return model;
 }
 
-AppModel::AppModel(QObject* parent) : QObject(parent)
+AppModel::AppModel(QObject* parent)
+    : QObject(parent), m_clones([](QObject* list) { return new CloneInfo(list); }, this),
+      m_surroundings{0, m_clones.snapshot()},
+      m_devices([this](QObject* list) { return new DeviceInfo(&m_surroundings, list); }, this)
 {
     for (int i = 0; i < kReportDays; ++i)
         m_reportList.append(new ReportsByDate(this));
@@ -30,105 +35,82 @@ void AppModel::setUserInfo(UserInfo* userInfo)
     m_userInfo = userInfo;
 }
 
-void AppModel::setDevices(const QVariantList& records)
+ListReading AppModel::readDevices(std::string_view answer, const SnapshotPtr& last, const QString& owner)
 {
-    Published<DeviceInfo> list;
-    list.holder = new QObject(this);
-    for (const QVariant& record : records) {
-        if (record.type() != QVariant::Map)
-            continue;
-        auto* device = new DeviceInfo(record.toMap(), list.holder);
-        list.records.append(device);
-        list.objects.append(device);
-    }
-    std::swap(m_devices, list);
-    refreshCloneCounts();
-    emit deviceListChanged();
-    if (list.holder)
-        list.holder->deleteLater();
+    return readList(answer, DeviceInfo::layout(), last, owner);
 }
 
-void AppModel::setClones(const QVariantList& records)
+ListReading AppModel::readClones(std::string_view answer, const SnapshotPtr& last, const QString& owner)
 {
-    Published<CloneInfo> list;
-    list.holder = new QObject(this);
-    for (const QVariant& record : records) {
-        if (record.type() != QVariant::Map)
-            continue;
-        auto* clone = new CloneInfo(record.toMap(), list.records.size(), list.holder);
-        list.records.append(clone);
-        list.objects.append(clone);
-    }
+    return readList(answer, CloneInfo::layout(), last, owner);
+}
+
+void AppModel::applyDevices(const Difference& difference)
+{
+    m_surroundings.readAt = QDateTime::currentSecsSinceEpoch();
+    const RecordModel::Outcome outcome = m_devices.refresh(difference);
+    m_devices.visitObjects([](ListRecord* device, const Record& record) { device->assign(record); });
+    if (outcome.list)
+        emit deviceListChanged();
+}
+
+void AppModel::applyClones(const Difference& difference)
+{
     const int totalBefore = totalFilteredClones();
-    std::swap(m_clones, list);
-    m_filteredClones = m_clones.objects;
-    refreshCloneCounts();
-    emit cloneListChanged();
-    // Whoever heard that may have filtered the new clones already, which was announced then.
-    if (m_filteredClones.size() == m_clones.objects.size()) {
-        emit filteredCloneListChanged();
-        if (totalBefore != totalFilteredClones())
-            emit totalFilteredClonesChanged();
-    }
-    if (list.holder)
-        list.holder->deleteLater();
+    const RecordModel::Outcome outcome = m_clones.refresh(difference);
+    countClones();
+    announceClones(outcome, totalBefore);
 }
 
-void AppModel::refreshCloneCounts()
+void AppModel::countClones()
 {
-    QHash<QString, int> counts;
-    for (const CloneInfo* clone : qAsConst(m_clones.records))
-        ++counts[clone->deviceId()];
-    for (DeviceInfo* device : qAsConst(m_devices.records))
-        device->setCloneCount(counts.value(device->androidId()));
-}
-
-void AppModel::filterClones(const QVariantMap& filters)
-{
-    const CloneFilter filter(filters);
-    QList<QObject*> passing;
-    for (CloneInfo* clone : qAsConst(m_clones.records)) {
-        clone->setFiltered(filter.passes(*clone));
-        if (clone->filtered())
-            passing.append(clone);
-    }
-    if (passing == m_filteredClones)
+    if (m_surroundings.clones == m_clones.snapshot())
         return;
-    // Shared while nothing is filtered, so that a view need not tell two lists apart.
-    if (passing.size() == m_clones.objects.size())
-        passing = m_clones.objects;
-    const int totalBefore = totalFilteredClones();
-    m_filteredClones.swap(passing);
-    emit filteredCloneListChanged();
+    m_surroundings.clones = m_clones.snapshot();
+    m_devices.visitObjects(
+        [](ListRecord* device, const Record&) { static_cast<DeviceInfo*>(device)->countClones(); });
+}
+
+void AppModel::announceClones(RecordModel::Outcome outcome, int totalBefore)
+{
+    if (outcome.list)
+        emit cloneListChanged();
+    if (outcome.shown)
+        emit filteredCloneListChanged();
     if (totalBefore != totalFilteredClones())
         emit totalFilteredClonesChanged();
 }
 
+void AppModel::filterClones(const QVariantMap& filters)
+{
+    if (filters == m_filters)
+        return;
+    m_filters = filters;
+    const int totalBefore = totalFilteredClones();
+    const auto filter = std::make_shared<const CloneFilter>(filters);
+    announceClones(m_clones.setFilter([filter](const Record& clone) { return filter->passes(clone); }),
+                   totalBefore);
+}
+
 void AppModel::selectAllClones(bool selected)
 {
-    for (CloneInfo* clone : qAsConst(m_clones.records)) {
-        if (clone->filtered())
-            clone->setSelected(selected);
-    }
+    m_clones.tickShown(selected);
 }
 
 QString AppModel::selectedUids() const
 {
+    static const int slot = CloneInfo::layout().slot("uid");
     QString uids;
-    for (const CloneInfo* clone : m_clones.records) {
-        if (clone->selected())
-            uids += clone->uid() + QLatin1Char('\n');
-    }
+    for (const int row : m_clones.tickedRows())
+        uids += m_clones.record(row).text(slot) + QLatin1Char('\n');
     return uids;
 }
 
 QStringList AppModel::selectedCloneIds() const
 {
     QStringList ids;
-    for (const CloneInfo* clone : m_clones.records) {
-        if (clone->selected())
-            ids.append(clone->id());
-    }
+    for (const int row : m_clones.tickedRows())
+        ids.append(m_clones.record(row).text(0));
     return ids;
 }
 
@@ -162,8 +144,13 @@ void AppModel::applyReports(const ReportDays& days, const QDate& today)
 
 void AppModel::clearFarm()
 {
-    setDevices({});
-    setClones({});
+    const auto none = std::make_shared<const Snapshot>();
+    if (m_devices.replace(none).list)
+        emit deviceListChanged();
+    const int totalBefore = totalFilteredClones();
+    const RecordModel::Outcome outcome = m_clones.replace(none);
+    countClones();
+    announceClones(outcome, totalBefore);
     applyReports({});
     setGlobalConfig(nullptr);
 }

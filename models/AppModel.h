@@ -3,6 +3,8 @@
 #include "models/CloneInfo.h"
 #include "models/DeviceInfo.h"
 #include "models/GlobalConfig.h"
+#include "models/ListReader.h"
+#include "models/RecordModel.h"
 #include "models/ReportsByDate.h"
 #include "models/UserInfo.h"
 
@@ -10,15 +12,13 @@
 #include <QJsonArray>
 #include <QList>
 #include <QPointer>
-#include <QVariantList>
 #include <QVariantMap>
-#include <QVector>
 
 #include <memory>
 
-/// Everything that the scene shows. Lists are replaced whole and announced with one signal; the objects of
-/// the list before stay alive until the event loop turns, because the scene uses them while it hears of the
-/// new ones. Lives on the UI thread.
+/// Everything that the scene shows. Devices and clones are snapshots, each shown by one item model; as lists
+/// of objects they are made when somebody reads them, and announced when other records are in them or in
+/// another order. Lives on the UI thread.
 class AppModel : public QObject
 {
     Q_OBJECT
@@ -30,6 +30,8 @@ class AppModel : public QObject
     Q_PROPERTY(GlobalConfig* globalConfig READ globalConfig NOTIFY globalConfigChanged)
     Q_PROPERTY(int totalFilteredClones READ totalFilteredClones NOTIFY totalFilteredClonesChanged)
     Q_PROPERTY(QList<QObject*> filteredCloneList READ filteredCloneList NOTIFY filteredCloneListChanged)
+    Q_PROPERTY(RecordModel* deviceModel READ deviceModel CONSTANT)
+    Q_PROPERTY(RecordModel* cloneModel READ cloneModel CONSTANT)
 
 public:
     /// The one model of the program, made on first use and never destroyed.
@@ -46,21 +48,25 @@ public:
     /// Always empty; reserved for further accounts.
     const QList<QObject*>& cachedUsers() const { return m_cachedUsers; }
 
-    const QList<QObject*>& deviceList() const { return m_devices.objects; }
-    const QVector<DeviceInfo*>& devices() const { return m_devices.records; }
-    /// Replaces the devices by those that @p records (JSON objects) describe, in their order. Elements that
-    /// are no objects are left out.
-    void setDevices(const QVariantList& records);
+    /// The devices, and the clones that pass the filter, as views show them.
+    RecordModel* deviceModel() { return &m_devices; }
+    RecordModel* cloneModel() { return &m_clones; }
 
-    const QList<QObject*>& cloneList() const { return m_clones.objects; }
-    const QVector<CloneInfo*>& clones() const { return m_clones.records; }
-    /// The same for the clones. Every new clone passes the filter.
-    void setClones(const QVariantList& records);
+    /// Every device and every clone as an object, made now where there was none.
+    QList<QObject*> deviceList() { return m_devices.objects(); }
+    QList<QObject*> cloneList() { return m_clones.objects(); }
+    /// The clones that pass the filter, in list order.
+    QList<QObject*> filteredCloneList() { return m_clones.shownObjects(); }
+    int totalFilteredClones() const { return static_cast<int>(m_clones.shownRows().size()); }
 
-    /// The clones that pass the filter, in list order: what a view shows.
-    const QList<QObject*>& filteredCloneList() const { return m_filteredClones; }
-    int totalFilteredClones() const { return m_filteredClones.size(); }
-    /// Applies a filter (see CloneFilter) to every clone.
+    /// Reads an answer of the service, see readList(). Any thread.
+    static ListReading readDevices(std::string_view answer, const SnapshotPtr& last, const QString& owner);
+    static ListReading readClones(std::string_view answer, const SnapshotPtr& last, const QString& owner);
+    /// Shows what was read. The devices' ages are those of this moment, also where nothing else has changed.
+    void applyDevices(const Difference& difference);
+    void applyClones(const Difference& difference);
+
+    /// Applies a filter (see CloneFilter) to the clones, those to come included.
     void filterClones(const QVariantMap& filters);
 
     /// Ticks or unticks every clone that passes the filter; hidden ones keep what they have.
@@ -96,22 +102,15 @@ signals:
     void filteredCloneListChanged();
 
 private:
-    /// A published list: once as QML sees it, once as what it holds. The records are children of the holder,
-    /// so that one deferred deletion takes them all.
-    template <class Record>
-    struct Published {
-        QObject* holder = nullptr;
-        QVector<Record*> records;
-        QList<QObject*> objects;
-    };
-
-    void refreshCloneCounts();
+    void announceClones(RecordModel::Outcome outcome, int totalBefore);
+    void countClones();
 
     QPointer<UserInfo> m_userInfo;
     QList<QObject*> m_cachedUsers;
-    Published<DeviceInfo> m_devices;
-    Published<CloneInfo> m_clones;
-    QList<QObject*> m_filteredClones;
+    RecordModel m_clones;
+    DeviceInfo::Surroundings m_surroundings;
+    RecordModel m_devices;
+    QVariantMap m_filters;
     GlobalConfig* m_globalConfig = nullptr;
     QList<QObject*> m_reportList;
 };

@@ -4,26 +4,26 @@
 
 namespace {
 
-std::optional<QSet<QString>> texts(const QVariant& list)
+std::optional<QSet<QByteArray>> texts(const QVariant& list)
 {
     const QVariantList values = list.toList();
     if (values.isEmpty())
         return std::nullopt;
-    QSet<QString> set;
+    QSet<QByteArray> set;
     set.reserve(values.size());
     for (const QVariant& value : values)
-        set.insert(value.toString());
+        set.insert(value.toString().toUtf8());
     return set;
 }
 
 // JavaScript passes numbers as int or double. A value that is no whole int, which toInt() would round,
 // matches nothing; the list constrains all the same.
-std::optional<QSet<int>> integers(const QVariant& list)
+std::optional<QSet<qint64>> integers(const QVariant& list)
 {
     const QVariantList values = list.toList();
     if (values.isEmpty())
         return std::nullopt;
-    QSet<int> set;
+    QSet<qint64> set;
     for (const QVariant& value : values) {
         bool isNumber = false;
         const int integer = value.toInt(&isNumber);
@@ -49,8 +49,13 @@ CloneFilter::CloneFilter(const QVariantMap& filters)
 {
 }
 
-bool CloneFilter::passes(const CloneInfo& clone) const
+bool CloneFilter::passes(const Record& clone) const
 {
-    return accepts(m_statuses, clone.status()) && accepts(m_deviceIds, clone.deviceId()) &&
-           accepts(m_farmProfiles, clone.farmProfile()) && accepts(m_uids, clone.uid());
+    static const RecordLayout& layout = CloneInfo::layout();
+    static const int uid = layout.slot("uid");
+    static const int deviceId = layout.slot("device_id");
+    static const int status = layout.slot("status");
+    static const int farmProfile = layout.slot("farm_profile");
+    return accepts(m_statuses, clone.number(status)) && accepts(m_deviceIds, clone.bytes(deviceId)) &&
+           accepts(m_farmProfiles, clone.bytes(farmProfile)) && accepts(m_uids, clone.bytes(uid));
 }

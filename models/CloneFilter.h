@@ -1,12 +1,11 @@
 #pragma once
 
+#include "models/Snapshot.h"
+
 #include <QSet>
-#include <QString>
 #include <QVariantMap>
 
 #include <optional>
-
-class CloneInfo;
 
 /// Which clones an operator wants to see. A clone passes when each field that is constrained holds one of the
 /// accepted values.
@@ -17,11 +16,11 @@ public:
     /// "farm_profile". An empty or missing list constrains nothing; other keys are ignored.
     explicit CloneFilter(const QVariantMap& filters);
 
-    bool passes(const CloneInfo& clone) const;
+    bool passes(const Record& clone) const;
 
 private:
-    std::optional<QSet<QString>> m_uids;
-    std::optional<QSet<QString>> m_deviceIds;
-    std::optional<QSet<int>> m_statuses;
-    std::optional<QSet<QString>> m_farmProfiles;
+    std::optional<QSet<QByteArray>> m_uids;
+    std::optional<QSet<QByteArray>> m_deviceIds;
+    std::optional<QSet<qint64>> m_statuses;
+    std::optional<QSet<QByteArray>> m_farmProfiles;
 };

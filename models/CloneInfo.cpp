@@ -1,29 +1,55 @@
 #include "models/CloneInfo.h"
 
-#include "models/Json.h"
+namespace {
 
-CloneInfo::CloneInfo(const QVariantMap& record, int place, QObject* parent) : QObject(parent), m_place(place)
+template <auto setter>
+void text(ListRecord* clone, const Record& record, int slot)
 {
-    using namespace json;
-    static const Fields<CloneInfo> fields{
-        {QStringLiteral("id"), readText<&CloneInfo::setId>},
-        {QStringLiteral("uid"), readText<&CloneInfo::setUid>},
-        {QStringLiteral("cookies"), readText<&CloneInfo::setCookies>},
-        {QStringLiteral("device_id"), readText<&CloneInfo::setDeviceId>},
-        {QStringLiteral("email"), readText<&CloneInfo::setEmail>},
-        {QStringLiteral("firstname"), readText<&CloneInfo::setFirstName>},
-        {QStringLiteral("lastname"), readText<&CloneInfo::setLastName>},
-        {QStringLiteral("mail_password"), readText<&CloneInfo::setMailPass>},
-        {QStringLiteral("network"), readText<&CloneInfo::setNetwork>},
-        {QStringLiteral("password"), readText<&CloneInfo::setPassword>},
-        {QStringLiteral("novery"), readFlag<&CloneInfo::setNovery>},
-        {QStringLiteral("restriction"), readInteger<&CloneInfo::setRestriction>},
-        {QStringLiteral("secretkey"), readText<&CloneInfo::setSecretkey>},
-        {QStringLiteral("secure_flags"), readInteger<&CloneInfo::setSecureFlags>},
-        {QStringLiteral("status"), readInteger<&CloneInfo::setStatus>},
-        {QStringLiteral("user_id"), readText<&CloneInfo::setUserId>},
-        {QStringLiteral("farm_profile"), readText<&CloneInfo::setFarmProfile>},
-    };
-    m_filtered = true;
-    readFields(record, fields, this);
+    (static_cast<CloneInfo*>(clone)->*setter)(record.text(slot));
+}
+
+template <auto setter>
+void number(ListRecord* clone, const Record& record, int slot)
+{
+    (static_cast<CloneInfo*>(clone)->*setter)(static_cast<int>(record.number(slot)));
+}
+
+template <auto setter>
+void flag(ListRecord* clone, const Record& record, int slot)
+{
+    (static_cast<CloneInfo*>(clone)->*setter)(record.number(slot) != 0);
+}
+
+} // namespace
+
+const RecordLayout& CloneInfo::layout()
+{
+    using L = RecordLayout;
+    static const RecordLayout layout(
+        {
+            {"id", L::Text, text<&CloneInfo::setId>},
+            {"uid", L::Text, text<&CloneInfo::setUid>},
+            {"cookies", L::Text, text<&CloneInfo::setCookies>},
+            {"device_id", L::Text, text<&CloneInfo::setDeviceId>},
+            {"email", L::Text, text<&CloneInfo::setEmail>},
+            {"firstname", L::Text, text<&CloneInfo::setFirstName>},
+            {"lastname", L::Text, text<&CloneInfo::setLastName>},
+            {"mail_password", L::Text, text<&CloneInfo::setMailPass>},
+            {"network", L::Text, text<&CloneInfo::setNetwork>},
+            {"password", L::Text, text<&CloneInfo::setPassword>},
+            {"novery", L::Flag, flag<&CloneInfo::setNovery>},
+            {"restriction", L::Integer, number<&CloneInfo::setRestriction>},
+            {"secretkey", L::Text, text<&CloneInfo::setSecretkey>},
+            {"secure_flags", L::Integer, number<&CloneInfo::setSecureFlags>},
+            {"status", L::Integer, number<&CloneInfo::setStatus>},
+            {"user_id", L::Text, text<&CloneInfo::setUserId>},
+            {"farm_profile", L::Text, text<&CloneInfo::setFarmProfile>},
+        },
+        "device_id");
+    return layout;
+}
+
+void CloneInfo::assign(const Record& record)
+{
+    layout().apply(record, this);
 }

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "models/ListRecord.h"
 #include "models/Property.h"
 
-#include <QString>
-#include <QVariantMap>
-
 /// One automated account of the farm.
-class CloneInfo : public QObject
+class CloneInfo : public ListRecord
 {
     Q_OBJECT
     NOTIFYING_PROPERTY(QString, id, setId);
@@ -26,19 +24,15 @@ class CloneInfo : public QObject
     NOTIFYING_PROPERTY(int, secureFlags, setSecureFlags);
     NOTIFYING_PROPERTY(int, status, setStatus);
     NOTIFYING_PROPERTY(QString, userId, setUserId);
-    NOTIFYING_PROPERTY(bool, selected, setSelected);
-    /// Passes the filter in force; a new clone does.
-    NOTIFYING_PROPERTY(bool, filtered, setFiltered);
+    Q_PROPERTY(bool selected READ selected WRITE setSelected NOTIFY selectedChanged)
+    Q_PROPERTY(bool filtered READ filtered WRITE setFiltered NOTIFY filteredChanged)
     NOTIFYING_PROPERTY(QString, farmProfile, setFarmProfile);
-    Q_PROPERTY(int place READ place CONSTANT)
+    Q_PROPERTY(int place READ place NOTIFY placeChanged)
 
 public:
-    /// A clone as one element of the service's list describes it; keys that are missing leave the defaults.
-    explicit CloneInfo(const QVariantMap& record, int place, QObject* parent = nullptr);
+    using ListRecord::ListRecord;
 
-    /// Where the clone stands in the full list, from 0: what a row shows while others are filtered away.
-    int place() const { return m_place; }
-
-private:
-    int m_place;
+    /// What a clone's record keeps, and under which keys the service sends it.
+    static const RecordLayout& layout();
+    void assign(const Record& record) override;
 };

@@ -4,7 +4,6 @@
 
 #include <QJsonObject>
 #include <QString>
-#include <QVariantMap>
 
 /// What an operator may set on a device.
 class DeviceConfig : public QObject
@@ -15,10 +14,13 @@ class DeviceConfig : public QObject
     NOTIFYING_PROPERTY(QString, deviceLabel, setDeviceLabel);
 
 public:
+    /// Where the service keeps it in a device's record.
+    static constexpr char key[] = "device_config";
+    static constexpr char connectivityTypeKey[] = "connectivity_type";
+    static constexpr char deviceLabelKey[] = "device_label";
+
     using QObject::QObject;
 
-    /// Reads the keys that are present in @p record.
-    void fromJson(const QVariantMap& record);
     /// The form in which the service stores it.
     QJsonObject toJson() const;
 };

@@ -1,25 +1,67 @@
 #include "models/DeviceInfo.h"
 
-#include "models/Json.h"
+namespace {
 
-#include <QDateTime>
-
-DeviceInfo::DeviceInfo(const QVariantMap& record, QObject* parent)
-    : QObject(parent), m_deviceConfig(new DeviceConfig(this))
+DeviceInfo* device(ListRecord* record)
 {
-    static const json::Fields<DeviceInfo> fields{
-        {QStringLiteral("android_id"), json::readText<&DeviceInfo::setAndroidId>},
-        {QStringLiteral("model"), json::readText<&DeviceInfo::setModel>},
-        {QStringLiteral("status"), json::readInteger<&DeviceInfo::setStatus>},
-        {QStringLiteral("user_id"), json::readText<&DeviceInfo::setUserId>},
-        {QStringLiteral("device_config"),
-         [](DeviceInfo* device, const QVariant& value) { device->m_deviceConfig->fromJson(value.toMap()); }},
-        {QStringLiteral("last_getting_job_ts"),
-         [](DeviceInfo* device, const QVariant& value) {
-             device->setLastGettingJobs(ageText(json::integer64(value), QDateTime::currentSecsSinceEpoch()));
+    return static_cast<DeviceInfo*>(record);
+}
+
+template <auto setter>
+void text(ListRecord* object, const Record& record, int slot)
+{
+    (device(object)->*setter)(record.text(slot));
+}
+
+} // namespace
+
+DeviceInfo::DeviceInfo(const Surroundings* surroundings, QObject* parent)
+    : ListRecord(parent), m_surroundings(surroundings), m_deviceConfig(new DeviceConfig(this))
+{
+}
+
+const RecordLayout& DeviceInfo::layout()
+{
+    using L = RecordLayout;
+    static const RecordLayout layout({
+        {"android_id", L::Text, text<&DeviceInfo::setAndroidId>},
+        {"model", L::Text, text<&DeviceInfo::setModel>},
+        {"status", L::Integer,
+         [](ListRecord* object, const Record& record, int slot) {
+             device(object)->setStatus(static_cast<int>(record.number(slot)));
          }},
-    };
-    json::readFields(record, fields, this);
+        {"user_id", L::Text, text<&DeviceInfo::setUserId>},
+        {DeviceConfig::key, L::Group, nullptr},
+        {DeviceConfig::connectivityTypeKey, L::Integer,
+         [](ListRecord* object, const Record& record, int slot) {
+             device(object)->deviceConfig()->setConnectivityType(static_cast<int>(record.number(slot)));
+         },
+         DeviceConfig::key},
+        {DeviceConfig::deviceLabelKey, L::Text,
+         [](ListRecord* object, const Record& record, int slot) {
+             device(object)->deviceConfig()->setDeviceLabel(record.text(slot));
+         },
+         DeviceConfig::key},
+        {"last_getting_job_ts", L::Stamp,
+         [](ListRecord* object, const Record& record, int slot) {
+             const qint64 timestampMs = record.number(slot);
+             device(object)->setLastGettingJobs(
+                 timestampMs == L::noStamp ? QString()
+                                           : ageText(timestampMs, device(object)->m_surroundings->readAt));
+         }},
+    });
+    return layout;
+}
+
+void DeviceInfo::assign(const Record& record)
+{
+    layout().apply(record, this);
+    countClones();
+}
+
+void DeviceInfo::countClones()
+{
+    setCloneCount(m_surroundings->clones->counts.value(androidId().toUtf8()));
 }
 
 QString DeviceInfo::ageText(qint64 timestampMs, qint64 nowSecs)

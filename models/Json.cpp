@@ -46,8 +46,3 @@ int json::integer(const QVariant& value)
     const bool fits = number >= std::numeric_limits<int>::min() && number <= std::numeric_limits<int>::max();
     return fits ? static_cast<int>(number) : 0;
 }
-
-bool json::flag(const QVariant& value)
-{
-    return value.userType() == QMetaType::Bool && value.toBool();
-}

@@ -13,8 +13,6 @@ QString text(const QVariant& value);
 /// A number without its fraction; 0 for anything else or a number that does not fit.
 qint64 integer64(const QVariant& value);
 int integer(const QVariant& value);
-/// True only for the JSON value true.
-bool flag(const QVariant& value);
 
 /// What is done with the value of each JSON key of a record.
 template <class Record>
@@ -32,14 +30,7 @@ void readInteger(Record* record, const QVariant& value)
     (record->*setter)(integer(value));
 }
 
-template <auto setter, class Record>
-void readFlag(Record* record, const QVariant& value)
-{
-    (record->*setter)(flag(value));
-}
-
-/// Fills @p record from the keys of @p object that @p fields knows; one pass over the object's keys, which at
-/// 50,000 records costs less than half of looking up each field in turn.
+/// Fills @p record from the keys of @p object that @p fields knows.
 template <class Record>
 void readFields(const QVariantMap& object, const Fields<Record>& fields, Record* record)
 {

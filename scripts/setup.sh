@@ -15,7 +15,7 @@ packages=(
     qml-module-qtquick-privatewidgets qml-module-qt-labs-folderlistmodel qml-module-qt-labs-settings
     qml-module-qttest
     libcurl4-openssl-dev libarchive-dev libssl-dev
-    libboost-dev zlib1g-dev libbenchmark-dev
+    libboost-dev libsimdjson-dev zlib1g-dev libbenchmark-dev
     fonts-dejavu-core
 )
 

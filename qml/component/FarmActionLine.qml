@@ -7,6 +7,7 @@ import ".."
 ListRow {
     id: line
 
+    required property int index
     required property FarmActionConfig modelData
 
     /// One of the fields has the keyboard.

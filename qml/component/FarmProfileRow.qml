@@ -8,6 +8,7 @@ import ".."
 ListRow {
     id: row
 
+    required property int index
     required property FarmProfile profile
     readonly property string name: profile ? profile.profileName : ""
     property alias head: nameField

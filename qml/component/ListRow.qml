@@ -2,7 +2,6 @@ import QtQuick 2.15
 
 /// A row of a list, as wide as that.
 FocusScope {
-    required property int index
     readonly property bool current: ListView.isCurrentItem
     readonly property ListView view: ListView.view as ListView
 

@@ -3,13 +3,16 @@ import QtQuick.Controls 2.15
 import QtQuick.Window 2.15
 import ".."
 
-/// A list that asks for fresh data when it is pulled down, and that keeps its place when its model is replaced.
+/// A list that asks for fresh data when it is pulled down, and that keeps its place when its model is replaced or
+/// refreshed.
 ListView {
     id: root
 
     property real keptY: 0
     property int keptIndex: -1
     property int keptCount: 0
+    /// Whether a row that becomes the current one is brought into view.
+    property bool following: activeFocus
     /// What the list says while it is empty.
     property alias emptyText: note.text
 
@@ -19,6 +22,13 @@ ListView {
         keptY = contentY - originY
         keptIndex = currentIndex
         keptCount = count
+    }
+
+    /// Gives the keyboard a row to start from, the first in view; a control within a row brings its own.
+    function startKeyboard() {
+        const item = Window.activeFocusItem
+        if (activeFocus && currentIndex < 0 && count > 0 && (item === root || item.parent === contentItem))
+            currentIndex = Math.max(0, indexAt(0, contentY + spacing))
     }
 
     activeFocusOnTab: true
@@ -37,21 +47,20 @@ ListView {
         }
     }
 
-    // The keyboard needs a row to start from, the first in view; a control within a row brings its own.
-    onActiveFocusChanged: {
-        const item = Window.activeFocusItem
-        if (activeFocus && currentIndex < 0 && count > 0 && (item === root || item.parent === contentItem))
-            currentIndex = Math.max(0, indexAt(0, contentY + spacing))
-    }
+    onActiveFocusChanged: startKeyboard()
     onDragEnded: if (indicator.visible) pullToRefreshReleased()
 
     // A new model puts the view back to its start before it is announced, in one go; so what is noted once the
     // event loop comes round again is the place from before.
     onContentYChanged: keeper.restart()
-    onCountChanged: keeper.restart()
+    onCountChanged: {
+        keeper.restart()
+        if (keptCount === 0)
+            startKeyboard()
+    }
     onCurrentIndexChanged: {
         keeper.restart()
-        if (activeFocus)
+        if (following)
             positionViewAtIndex(currentIndex, ListView.Contain)
     }
     onModelChanged: {

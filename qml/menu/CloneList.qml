@@ -48,13 +48,10 @@ Item {
     }
 
     Connections {
-        target: AppModel
+        target: AppManager
 
-        // New clones all pass.
-        function onCloneListChanged() {
-            if (page.filtering)
-                page.applyFilters()
-        }
+        // From the first list on that this page has asked for, its own filters hold.
+        function onGetCloneListDone() { page.applyFilters() }
     }
 
     Connections {
@@ -123,7 +120,7 @@ Item {
             height: parent.height - 50
             color: QmlDefines.sheetColor
 
-            PListView {
+            RecordView {
                 id: list
 
                 property bool wide: false
@@ -136,8 +133,9 @@ Item {
                 anchors.fill: parent
                 anchors.bottomMargin: area.y + area.height - page.height + (toolBox.hidden ? 0 : toolBox.height)
                 // Keeps the rows around the view built: bit by bit, but not those that a first layout asks for.
-                cacheBuffer: wide ? 100 * height : 0
-                model: AppModel.filteredCloneList
+                cacheBuffer: wide ? 3 * height : 0
+                bottomMargin: ticksNote.visible ? ticksNote.height : 0
+                model: AppModel.cloneModel
                 emptyText: page.filtering ? qsTr("No clones pass the filter") : qsTr("No clones")
 
                 Accessible.name: qsTr("Clones")
@@ -158,6 +156,32 @@ Item {
         Item {
             anchors.bottom: parent.bottom
             width: parent.width
+
+            Rectangle {
+                id: ticksNote
+
+                readonly property int ticked: AppModel.cloneModel.ticked
+                readonly property int hidden: AppModel.cloneModel.tickedHidden
+
+                objectName: "ticksNote"
+                x: QmlDefines.toolSpacing
+                y: toolBox.y - height
+                width: ticksText.width + 2 * QmlDefines.panelRadius
+                height: QmlDefines.lineHeight
+                visible: ticked > 0
+                radius: QmlDefines.panelRadius
+                color: QmlDefines.toolBoxColor
+
+                PlainText {
+                    id: ticksText
+
+                    objectName: "ticksText"
+                    anchors.centerIn: parent
+                    text: ticksNote.hidden > 0
+                          ? qsTr("%1 selected, %2 hidden by the filter").arg(ticksNote.ticked).arg(ticksNote.hidden)
+                          : qsTr("%1 selected").arg(ticksNote.ticked)
+                }
+            }
 
             CloneToolBox {
                 id: toolBox

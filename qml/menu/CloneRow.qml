@@ -4,8 +4,8 @@ import ".."
 import "../component"
 import "../Format.js" as Format
 
-/// A clone of the clone page. The view builds a hundred screens of these, so there is little in one: what is
-/// shown only now and then is made when it is needed.
+/// A clone of the clone page. The view builds several screens of these, so there is little in one: what is shown
+/// only now and then is made when it is needed.
 ListRow {
     id: row
 
@@ -30,6 +30,10 @@ ListRow {
         minimumPointSize: 7
     }
 
+    function makeCurrent() {
+        view.currentIndex = view.model.rowOf(modelData)
+    }
+
     function copy(cell, text) {
         AppIO.sendToClibboard(text)
         badge.cell = cell
@@ -38,17 +42,18 @@ ListRow {
     }
 
     objectName: "cloneRow" + modelData.place
-    height: modelData.filtered ? QmlDefines.rowHeight : 0
-    visible: modelData.filtered
+    height: QmlDefines.rowHeight
     z: badge.active ? 1 : 0
 
     Accessible.name: uidCell.text
     Accessible.selected: modelData.selected
-    Accessible.onPressAction: view.currentIndex = index
+    Accessible.onPressAction: makeCurrent()
 
     Keys.onSpacePressed: function(event) { if (!event.isAutoRepeat) modelData.selected = !modelData.selected }
     Keys.onReturnPressed: toolBoxRequested()
     Keys.onEnterPressed: toolBoxRequested()
+
+    Component.onCompleted: modelData.keepFor(row)
 
     Rectangle {
         objectName: "rowBackground"
@@ -106,7 +111,7 @@ ListRow {
         anchors.fill: parent
 
         onClicked: {
-            row.view.currentIndex = row.index
+            row.makeCurrent()
             row.view.forceActiveFocus(Qt.MouseFocusReason)
             if (AppIO.keyboardModifiers === Qt.ControlModifier)
                 row.modelData.selected = true
@@ -114,7 +119,7 @@ ListRow {
                 AppManager.selectAllClone(false)
         }
         onPressAndHold: {
-            row.view.currentIndex = row.index
+            row.makeCurrent()
             row.toolBoxRequested()
         }
         onDoubleClicked: function(mouse) {
@@ -140,7 +145,7 @@ ListRow {
             Accessible.name: uidCell.text
 
             onClicked: row.modelData.selected = checked
-            onActiveFocusChanged: if (activeFocus) row.view.currentIndex = row.index
+            onActiveFocusChanged: if (activeFocus) row.makeCurrent()
         }
     }
 

@@ -43,13 +43,13 @@ Item {
         height: parent.height - 50
         color: QmlDefines.sheetColor
 
-        PListView {
+        RecordView {
             id: list
 
             objectName: "deviceView"
             anchors.fill: parent
             spacing: 2
-            model: AppModel.deviceList
+            model: AppModel.deviceModel
             emptyText: qsTr("No devices")
 
             Accessible.name: qsTr("Devices")

@@ -14,10 +14,15 @@ ListRow {
     readonly property real cellWidth: width / 7
     /// The label as the field holds it while nobody has typed: a field bounds what it takes.
     readonly property string storedLabel: modelData.deviceConfig.deviceLabel.substring(0, labelField.maximumLength)
+    readonly property int storedConnectivity: modelData.deviceConfig.connectivityType
     readonly property bool labelEdited: labelField.text !== storedLabel
     readonly property bool edited: labelEdited
-                                   || connectivityBox.currentIndex !== modelData.deviceConfig.connectivityType
+                                   || connectivityBox.currentIndex !== storedConnectivity
     property bool open: false
+    /// What the program has put into the fields. As long as it still stands there nobody is editing, and the fields
+    /// follow what the service has.
+    property string shownLabel
+    property int shownConnectivity: -1
 
     signal detailsRequested()
 
@@ -33,8 +38,22 @@ ListRow {
         border.width: focused ? 2 : 1
     }
 
+    function followLabel() {
+        if (labelField.text === shownLabel)
+            labelField.text = storedLabel
+        if (labelField.text === storedLabel)
+            shownLabel = labelField.text
+    }
+
+    function followConnectivity() {
+        if (connectivityBox.currentIndex === shownConnectivity)
+            connectivityBox.currentIndex = storedConnectivity
+        if (connectivityBox.currentIndex === storedConnectivity)
+            shownConnectivity = storedConnectivity
+    }
+
     function activate() {
-        view.currentIndex = index
+        view.currentIndex = view.model.rowOf(modelData)
         open = true
     }
 
@@ -61,7 +80,7 @@ ListRow {
         AppManager.saveDeviceConfig(modelData)
     }
 
-    objectName: "deviceRow" + index
+    objectName: "deviceRow" + modelData.place
     height: QmlDefines.rowHeight + toolBox.height
 
     Accessible.name: Format.line(modelData.androidId)
@@ -76,10 +95,18 @@ ListRow {
         takeFocus(Qt.TabFocusReason)
     }
 
+    Component.onCompleted: {
+        modelData.keepFor(row)
+        shownConnectivity = connectivityBox.currentIndex
+        followConnectivity()
+    }
+
+    onStoredLabelChanged: followLabel()
+    onStoredConnectivityChanged: followConnectivity()
     onCurrentChanged: if (!current) open = false
     onOpenChanged: if (open) toolBox.active = true
     // The tool box of the last row opens below the edge of the view.
-    onHeightChanged: if (open && view) view.positionViewAtIndex(index, ListView.Contain)
+    onHeightChanged: if (open && view) view.positionViewAtIndex(view.model.rowOf(modelData), ListView.Contain)
 
     Rectangle {
         width: parent.width
@@ -107,7 +134,7 @@ ListRow {
     Cell {
         width: 30
         padding: 0
-        text: row.index + 1
+        text: row.modelData.place + 1
         fontSizeMode: Text.HorizontalFit
         minimumPointSize: 6
     }
@@ -135,7 +162,6 @@ ListRow {
         width: row.cellWidth - 20
         height: 36
         model: ["wifi", "cellular"]
-        currentIndex: row.modelData.deviceConfig.connectivityType
 
         Accessible.name: qsTr("Connectivity")
 
@@ -156,7 +182,6 @@ ListRow {
         rightPadding: 12
         maximumLength: QmlDefines.nameLength
         selectByMouse: true
-        text: row.storedLabel
 
         Accessible.name: qsTr("Label")
 

@@ -8,6 +8,7 @@ import "../Format.js" as Format
 ListRow {
     id: row
 
+    required property int index
     required property ReportsByDate modelData
     readonly property var totals: modelData.data
     readonly property bool empty: jobs.length === 0

@@ -87,7 +87,7 @@ private slots:
             names.append(QString::fromLatin1(meta.method(i).methodSignature()));
         QCOMPARE(
             names.join(' '),
-            "getUserInfo(QVariant) getDeviceListDone(QVariantList) getCloneListDone(QVariantList) "
+            "getUserInfo(QVariant) getDeviceListDone(DifferencePtr) getCloneListDone(DifferencePtr) "
             "getGlobalConfig(QString) pushNotification(int,QString) checkUser() loadAllCachedUsers() "
             "getDeviceList() confirmSelectedDevice(QObject*) deleteSelectedDevice(QObject*) "
             "saveDeviceConfig(QObject*) getCloneList() updateFarmProfile(QString) resetSelectedClone() "
@@ -187,12 +187,50 @@ private slots:
         m_fixture->setFault(api("device/list"), Fault::Hang);
         for (int i = 0; i < 4; ++i)
             m_app->getDeviceList();
-        QTRY_COMPARE(requests("device/list").size(), 4);
-        m_app->getCloneList(); // nothing waits behind the hanging requests
+        QTRY_COMPARE(requests("device/list").size(), 1);
+        m_app->getCloneList(); // nothing waits behind the hanging request
         QTRY_COMPARE(clones.count(), 1);
         QCOMPARE(devices.count(), 0);
+        // However many have asked meanwhile, one more fetch serves them all; another account's does not wait.
+        m_fixture->setFault(api("clone/list"), Fault::Hang);
+        m_app->getCloneList();
+        QTRY_COMPARE(requests("clone/list").size(), 2);
+        m_fixture->setFault(api("device/list"), Fault::None);
+        QTRY_COMPARE(devices.count(), 2);
+        model().userInfo()->setToken(m_fixture->userToken());
+        m_app->getCloneList();
+        QTRY_COMPARE(requests("clone/list").size(), 3);
         m_fixture->clearFaults();
-        QTRY_COMPARE(devices.count(), 4);
+        settle();
+        QCOMPARE(devices.count(), 2);
+        QCOMPARE(clones.count(), 2);
+    }
+
+    void equalLists()
+    {
+        enter();
+        QSignalSpy devices(m_app.get(), &Application::getDeviceListDone);
+        QSignalSpy listed(&model(), &AppModel::deviceListChanged);
+        const QList<QObject*> before = model().deviceList();
+        devservice::Farm farm = m_farm;
+        const auto fetch = [&](int count) {
+            m_fixture->setFarm(farm);
+            m_app->getDeviceList();
+            QTRY_COMPARE(devices.count(), count);
+        };
+        fetch(1);
+        QVERIFY(devices.last()[0].value<DifferencePtr>()->unchanged());
+        QJsonObject changed = farm.devices[0].toObject();
+        changed["model"] = "another";
+        farm.devices[0] = changed;
+        fetch(2); // other values of the same records
+        QCOMPARE(before[0]->property("model").toString(), "another");
+        QCOMPARE(model().deviceList(), before);
+        QCOMPARE(listed.count(), 0);
+        farm.devices.removeLast();
+        fetch(3);
+        QCOMPARE(listed.count(), 1);
+        QCOMPARE(model().deviceList(), before.mid(0, before.size() - 1));
     }
 
     void anotherAccountSeesItsOwnFarm()
@@ -227,7 +265,7 @@ private slots:
         settle();
         QCOMPARE(requests("device/list").size(), 1);
         QCOMPARE(requests("clone/list").size(), 0);
-        model().setClones({});
+        model().clearFarm();
         m_app->getDeviceList();
         settle();
         QCOMPARE(requests("clone/list").size(), 1);
@@ -250,14 +288,15 @@ private slots:
         for (const char* list : {"device", "clone", "report"})
             QVERIFY2(notifications().contains(QStringLiteral("2 Load %1 list failure!").arg(list)), list);
         QVERIFY(devices.count() == 1 && clones.count() == 1 && reports.isEmpty());
-        QVERIFY(model().deviceList().isEmpty() && model().cloneList().isEmpty());
+        QCOMPARE(model().deviceList().size(), m_farm.devices.size());
+        QCOMPARE(model().cloneList().size(), m_farm.clones.size());
     }
 
     void changes_data()
     {
         QTest::addColumn<Change>("change");
         const auto device = [] { return model().deviceList().first(); };
-        const auto tick = [] { model().clones().first()->setSelected(true); };
+        const auto tick = [] { model().cloneList().first()->setProperty("selected", true); };
         const Change changes[] = {
             {"device/confirm", [=](auto& app) { app.confirmSelectedDevice(device()); }, "",
              "2 Confirm device failure!", "device/list", false},
@@ -308,7 +347,7 @@ private slots:
     void savingTakesTheValuesOfTheMoment()
     {
         enter();
-        DeviceInfo* const device = model().devices().first();
+        auto* const device = static_cast<DeviceInfo*>(model().deviceList().first());
         const QString id = device->androidId();
         device->deviceConfig()->setDeviceLabel("as typed");
         device->deviceConfig()->setConnectivityType(1);
@@ -316,7 +355,8 @@ private slots:
         m_app->saveDeviceConfig(device);
         device->deviceConfig()->setDeviceLabel("typed later");
         model().userInfo()->setToken("another");
-        model().setDevices({});
+        model().clearFarm();
+        model().clearFarm(); // the objects of a list go with the next but one
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QTRY_COMPARE(notifications(), QStringList{"0 Save device config successful!"});
         const QJsonObject config{{"connectivity_type", 1}, {"device_label", "as typed"}};

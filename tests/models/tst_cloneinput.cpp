@@ -1,6 +1,7 @@
 #include "models/CloneFilter.h"
 #include "models/CloneImport.h"
 #include "models/CloneInfo.h"
+#include "models/ListReader.h"
 
 #include <QJsonDocument>
 #include <QtTest>
@@ -36,12 +37,13 @@ private slots:
 
     void filter()
     {
-        const QVariantMap clones[] = {
-            {{"uid", "11"}, {"device_id", "d1"}, {"status", 1}, {"farm_profile", "a"}},
-            {{"uid", "12"}, {"device_id", "d1"}, {"status", 8}, {"farm_profile", "b"}},
-            {{"uid", "13"}, {"device_id", "d2"}, {"status", 1}, {"farm_profile", "b"}},
-            {{"uid", "é"}},
-        };
+        const std::string_view answer = R"({"success":true,"data":[
+            {"uid":"11","device_id":"d1","status":1,"farm_profile":"a"},
+            {"uid":"12","device_id":"d1","status":8,"farm_profile":"b"},
+            {"uid":"13","device_id":"d2","status":1,"farm_profile":"b"},
+            {"uid":"é"}]})";
+        const auto none = std::make_shared<const Snapshot>();
+        const SnapshotPtr clones = readList(answer, CloneInfo::layout(), none, "t").difference->after;
         // The filters, and the uids of those that pass.
         const std::pair<QByteArray, QString> filters[] = {
             {R"({"uid":[],"device_id":[],"status":[],"farm_profile":[]})", "11 12 13 é"},
@@ -59,10 +61,9 @@ private slots:
         for (const auto& [json, expected] : filters) {
             const CloneFilter filter(QJsonDocument::fromJson(json).object().toVariantMap());
             QStringList passing;
-            for (const QVariantMap& record : clones) {
-                const CloneInfo clone(record, 0);
-                if (filter.passes(clone))
-                    passing << clone.uid();
+            for (const Record::Ptr& clone : clones->records) {
+                if (filter.passes(*clone))
+                    passing << clone->text(CloneInfo::layout().slot("uid"));
             }
             QVERIFY2(passing.join(' ') == expected, json);
         }

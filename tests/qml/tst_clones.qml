@@ -1,69 +1,7 @@
 import QtQuick 2.15
-import "scene.js" as Scene
 
-PageCase {
-    function clone(index, uid, device, status, profile, restriction) {
-        return { id: "id" + index, uid: uid, device_id: device, status: status, farm_profile: profile, network: "facebook",
-                 restriction: restriction, cookies: "", email: "", firstname: "", lastname: "", mail_password: "",
-                 novery: false, password: "p" + index, secretkey: "", secure_flags: 0, user_id: "u1" }
-    }
-
-    function prepare() {
-        const profiles = Object.keys(Service.user(Service.adminToken).farm_profiles)
-        Service.clones = [
-            clone(0, "100", "dev-a", 1, profiles[0], 1), clone(1, "101", "dev-b", 2, profiles[1], 6),
-            clone(2, "102", "dev-a", 4, profiles[1], 31), clone(3, "103", "dev-c", 8, "", 16),
-            clone(4, "104", "dev-b", 1, profiles[0], 0), clone(5, "105", "", 3, "", 1)
-        ]
-    }
-
-    function row(place) {
-        return find("cloneRow" + place)
-    }
-
-    /// Numbers of the rows that the page shows.
-    function numbers() {
-        const shown = []
-        for (let place = 0; place < 8; ++place) {
-            if (row(place) && row(place).visible && row(place).height === 50)
-                shown.push(Number(text("number", row(place))))
-        }
-        return shown
-    }
-
-    function verifyNumbers(expected) {
-        tryVerify(() => JSON.stringify(numbers()) === JSON.stringify(expected), 5000, "rows " + numbers())
-        compare(text("head0"), "Uid (total: " + expected.length + ")")
-    }
-
-    function selection() {
-        return [0, 1, 2, 3, 4, 5].filter(place => row(place) && find("rowBackground", row(place)).color.a > 0)
-    }
-
-    function setFilter(column, lines) {
-        find("filter" + column).setValue(lines)
-    }
-
-    function controlClick(place) {
-        keyPress(Qt.Key_Control, Qt.ControlModifier)
-        mouseClick(row(place))
-        keyRelease(Qt.Key_Control)
-    }
-
-    function openToolBox() {
-        click("expandButton")
-        tryCompare(find("cloneToolBox"), "y", -50)
-    }
-
+ClonePageCase {
     name: "Clones"
-    menuRow: 2
-
-    function settled() {
-        // The page asks for the list 100 ms after it is opened.
-        tryVerify(() => post("clone/list").length === 1)
-        Service.settle()
-        verifyNumbers([1, 2, 3, 4, 5, 6])
-    }
 
     function test_showsTheFarm() {
         const shown = [0, 1, 2, 3, 5].map(place => ["number", "uid", "network", "deviceId", "status", "restriction"]
@@ -108,6 +46,72 @@ PageCase {
         open(0)
         open(2)
         compare(AppModel.totalFilteredClones, 3)
+    }
+
+    function test_placeOutlivesARefresh_data() {
+        const few = [0, 3, 7]
+        const many = Array.from({ length: 2600 }, (unused, index) => index * 2)
+        return [{ tag: "by ranges", size: 100, at: few }, { tag: "by a reset", size: 5200, at: many }]
+    }
+
+    /// Clones come above, the one at the top goes; what is below it moves up, and the rest stays where it was.
+    function test_placeOutlivesARefresh(data) {
+        const view = find("cloneView")
+        const old = Array.from({ length: data.size }, (unused, index) => clone(index, "u" + index, "dev", 1, "", 1))
+        Service.clones = old
+        view.pullToRefreshReleased()
+        tryCompare(view, "count", data.size)
+        view.currentIndex = 34
+        view.contentY = view.originY + 30 * 50 + 13
+        tryVerify(() => row(34) !== null)
+        controlClick(33)
+        AppModel.cloneList[70].selected = true
+        const changed = []
+        old.forEach((entry, index) => {
+            if (data.at.includes(index))
+                changed.push(clone("new" + index, "n" + index, "dev", 1, "", 1))
+            if (index !== 30)
+                changed.push(entry)
+        })
+        Service.clones = changed
+        view.pullToRefreshReleased()
+        tryCompare(view, "count", changed.length)
+        const above = data.at.filter(index => index <= 30).length
+        compare(view.currentIndex, 33 + data.at.filter(index => index <= 33).length - 1)
+        tryVerify(() => row(30 + above) !== null)
+        compare(text("uid", row(30 + above)), "u31")
+        compare(row(30 + above).y - view.contentY, -13)
+        compare(text("ticksText"), "2 selected")
+        compare(find("rowBackground", row(changed.findIndex(entry => entry.uid === "u33"))).color.a > 0, true)
+        // Nothing there to hold on to.
+        Service.clones = old.slice(0, 3)
+        view.pullToRefreshReleased()
+        tryCompare(view, "count", 3)
+        compare([view.contentY - view.originY, view.currentIndex, find("ticksNote").visible], [0, 2, false])
+    }
+
+    function test_ticksNote() {
+        verify(!find("ticksNote").visible)
+        controlClick(1)
+        controlClick(4)
+        controlClick(2)
+        verify(find("ticksNote").visible)
+        compare(text("ticksText"), "3 selected")
+        setFilter(2, "dev-b")
+        compare(text("ticksText"), "3 selected, 1 hidden by the filter")
+        setFilter(2, "")
+        compare(text("ticksText"), "3 selected")
+        mouseClick(row(0))
+        verify(!find("ticksNote").visible)
+    }
+
+    function test_failedListStays() {
+        controlClick(1)
+        Service.fail("/api/v1/clone/list")
+        find("cloneView").pullToRefreshReleased()
+        tryVerify(() => text("notificationText") === "Load clone list failure!")
+        verifyNumbers([1, 2, 3, 4, 5, 6])
+        compare(text("ticksText"), "1 selected")
     }
 
     function test_manyLinesInAFilter_data() {
@@ -216,154 +220,6 @@ PageCase {
         compare([view.currentIndex, view.contentY], [30, 1500])
         setFilter(3, "live")
         compare([view.currentIndex, view.contentY], [-1, 0])
-    }
-
-    function test_toolBoxOpensOnHoldAndReturn() {
-        const toolBox = find("cloneToolBox")
-        verify(!find("check", row(0)) && find("expandButton").up)
-        mousePress(row(4))
-        tryCompare(toolBox, "hidden", false)
-        mouseRelease(row(4))
-        compare([find("cloneView").currentIndex, find("expandButton").up], [4, false])
-        tryCompare(toolBox, "y", -50)
-        compare(toolBox.mapToItem(page, 0, 0).y, page.height - 50)
-        compare(find("check", row(0)).width, 50 / 3)
-
-        click("check", row(2))
-        verify(AppModel.cloneList[2].selected)
-        compare(find("cloneView").currentIndex, 2)
-        AppModel.cloneList[2].selected = false
-        verify(!find("check", row(2)).checked)
-
-        click("expandButton")
-        tryCompare(toolBox, "y", 0)
-        verify(!find("check", row(0)) && find("expandButton").up)
-        row(4).forceActiveFocus()
-        keyClick(Qt.Key_Return)
-        compare(toolBox.hidden, false)
-    }
-
-    function test_resetAndDelete() {
-        const before = Service.clones
-        controlClick(2)
-        controlClick(3)
-        openToolBox()
-        click("resetButton")
-        tryVerify(() => text("status", row(3)) === "live")
-        compare(Service.clones.map(entry => entry.status), before.map((entry, index) => index === 2 || index === 3 ? 1 : entry.status))
-        Service.settle()
-        verifyNumbers([1, 2, 3, 4, 5, 6])
-        controlClick(2)
-        click("deleteButton")
-        verifyNumbers([1, 2, 3, 4, 5])
-        compare(Service.clones.map(entry => entry.id), ["id0", "id1", "id3", "id4", "id5"])
-    }
-
-    function test_profileIsChosenOnlyOnPurpose() {
-        const profiles = AppModel.userInfo.farmProfiles
-        const before = Service.clones
-        profiles[1].profileName = "<b>A & B</b>"
-        controlClick(2)
-        controlClick(3)
-        openToolBox()
-        const combo = find("profileBox", find("cloneToolBox"))
-        compare([combo.width, combo.count, combo.displayText], [200, profiles.length, profiles[0].profileName])
-        combo.forceActiveFocus()
-        keyClick("a")
-        mouseWheel(combo, 10, 10, 0, -120)
-        keyClick(Qt.Key_Down)
-        tryCompare(combo.popup, "opened", true)
-        keyClick(Qt.Key_Down)
-        const entry = Scene.search(window, item => item.text === "<b>A & B</b>" && item.textFormat === Text.PlainText)
-        verify(entry && entry.visible)
-        compare(Service.clones, before)
-        keyClick(Qt.Key_Return)
-        tryVerify(() => text("farmProfile", row(3)) === "<b>A & B</b>")
-        compare(Service.clones.map(entry => entry.farm_profile),
-                before.map((entry, index) => index === 2 || index === 3 ? "<b>A & B</b>" : entry.farm_profile))
-    }
-
-    function test_import() {
-        openToolBox()
-        click("addButton", find("cloneToolBox"))
-        const popup = find("inputClonesPopup")
-        const field = find("clonesField", popup)
-        const network = find("networkBox", popup)
-        const profile = find("profileBox", popup)
-        const add = find("addButton", popup)
-        verify(popup.visible && field.activeFocus)
-        pressControl(Qt.Key_A)
-        verify(!AppModel.cloneList[0].selected)
-        compare([network.currentText, profile.currentIndex, add.enabled], ["none", 0, false])
-        const lines = "900|secret|2fa\nno bar\n901|other"
-        for (const [index, text, enabled] of [[0, lines, false], [2, "", false], [2, lines, true]]) {
-            network.currentIndex = index
-            field.text = text
-            compare(add.enabled, enabled)
-        }
-        profile.currentIndex = 1
-        mouseClick(add)
-        verify(!popup.visible)
-        tryCompare(AppModel, "totalFilteredClones", 8)
-        compare(Service.clones.slice(6).map(entry => [entry.uid, entry.password, entry.secretkey, entry.network, entry.farm_profile]),
-                [["900", "secret", "2fa", "tiktok", profile.currentText], ["901", "other", "", "tiktok", profile.currentText]])
-        // What was added gives way to what is typed next.
-        popup.visible = true
-        type("9|9")
-        compare(field.text, "9|9")
-    }
-
-    function test_importOfManyLines() {
-        const control = Qt.ControlModifier
-        const lines = Array.from({ length: 2500 }, (unused, index) => (5000 + index) + "|p" + index)
-        find("inputClonesPopup").visible = true
-        const field = find("clonesField")
-        const summary = find("clonesSummary")
-        type("ab|c")
-        keyClick(Qt.Key_Left)
-        keyClick(Qt.Key_Left, Qt.ShiftModifier)
-        AppIO.sendToClibboard(lines.join("\r\n") + "\r\n")
-        keyClick(Qt.Key_V, control)
-        // The text is "ab" and the lines and "c"; nothing of it is laid out.
-        verify(summary.visible && !field.visible && find("summaryKeys").activeFocus)
-        compare([text("linesTitle"), text("line1"), text("line6"), text("line2,501")],
-                ["2,501 lines", "ab5000|p0", "5005|p5", "c"])
-        compare(field.text, "ab|c")
-        keyClick(Qt.Key_Z, control)
-        verify(field.activeFocus && !summary.visible)
-        compare(field.text, "ab|c")
-        field.selectAll()
-        keyClick(Qt.Key_V, control)
-        compare([text("linesTitle"), text("line1"), text("line2,500")], ["2,500 lines", "5000|p0", "7499|p2499"])
-
-        // A part is edited, and the whole is what is added.
-        find("lineField").text = "1501"
-        click("editButton")
-        verify(field.activeFocus)
-        compare([field.lineCount, text("partLabel"), field.text.substr(field.cursorPosition, 4)],
-                [1000, "Lines 1,001 to 2,000 of 2,500", "6500"])
-        type("x")
-        click("doneButton")
-        verify(summary.visible && find("summaryKeys").activeFocus)
-        type("9|9")
-        compare(text("partLabel"), "Lines 2,402 to 2,500 of 2,500")
-        find("networkBox").currentIndex = 1
-        click("inputClonesPopup/addButton")
-        compare(post("clone/add").map(body => body.clones.length), [2501])
-        compare([0, 1499, 1500, 2499, 2500].map(index => post("clone/add")[0].clones[index].uid),
-                ["5000", "6499", "x6500", "7499", "9"])
-
-        // What was added is kept, selected; the next text takes its place, a part of it is kept when it is one.
-        find("inputClonesPopup").visible = true
-        compare([summary.selected, text("linesTitle")], [true, "2,501 lines"])
-        keyClick(Qt.Key_Delete)
-        compare([field.activeFocus, field.text, find("inputClonesPopup/addButton").enabled], [true, "", false])
-        keyClick(Qt.Key_V, control)
-        keyClick(Qt.Key_V, control)
-        compare(text("linesTitle"), "5,000 lines")
-        keyClick(Qt.Key_A, control)
-        type("z")
-        verify(field.activeFocus && field.text === "z")
     }
 
     function test_keyboardReachesWhatShows() {

@@ -126,14 +126,43 @@ PageCase {
         tryVerify(() => find("cloneView") !== null && find("cloneView").count === 4)
     }
 
-    function test_failedListSaysSo() {
+    function test_failedListStays() {
         tryCompare(find("deviceView"), "count", 3)
-        verify(!find("emptyNote").visible)
         Service.fail("/api/v1/device/list")
+        find("deviceView").pullToRefreshReleased()
+        tryVerify(() => text("notificationText") === "Load device list failure!")
+        compare([text("head0"), find("emptyNote").visible], ["Device (total: 3)", false])
+        Service.clearFaults()
+        Service.devices = []
         find("deviceView").pullToRefreshReleased()
         tryCompare(find("emptyNote"), "visible", true)
         compare(text("emptyNote"), "No devices")
         compare(text("head0"), "Device (total: 0)")
+    }
+
+    function test_editingOutlivesARefresh() {
+        const view = find("deviceView")
+        const item = openRow(1)
+        click("label", item)
+        keyClick(Qt.Key_End)
+        type(" typed")
+        find("label", item).cursorPosition = 3
+        // Another row above, a row gone, and other values for what is edited and what is not.
+        Service.devices = [device("new", 1, 0, ""), device("bbbb", 0, 0, "other"), device("cccc", 9, 1, "third")]
+        view.pullToRefreshReleased()
+        tryVerify(() => text("model", row(0)) === "VX-1" && text("status", row(1)) === "no-verify")
+        verify(row(1) === item && find("label", item).activeFocus)
+        compare([text("label", item), find("label", item).cursorPosition, view.currentIndex], ["two typed", 3, 1])
+        compare([find("connectivity", item).displayText, find("connectivity", row(2)).displayText], ["wifi", "cellular"])
+        compare([text("label", row(2)), find("toolBox", item).height], ["third", 50])
+        type("!")
+        click("saveButton", item)
+        tryVerify(() => stored(1).device_label === "two! typed")
+        // The row that is edited goes; its neighbour takes its place, closed.
+        Service.devices = [device("new", 1, 0, ""), device("cccc", 9, 1, "third")]
+        view.pullToRefreshReleased()
+        tryCompare(view, "count", 2)
+        compare([view.currentIndex, row(1).open, text("label", row(1))], [1, false, "third"])
     }
 
     function test_hostileTexts() {
