@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
-#include <optional>
 
 namespace {
 
@@ -94,7 +93,7 @@ private:
 
     bool m_success = false;
     QString m_message;
-    std::optional<SnapshotBuilder> m_builder;
+    std::unique_ptr<SnapshotBuilder> m_builder;
     std::size_t m_skipped = 0;
 
     /// The values of one record, and which fields the last one had, in their order.
@@ -376,7 +375,7 @@ bool Reader::readMember()
 
 bool Reader::readList()
 {
-    m_builder.emplace(m_layout, m_last);
+    m_builder = std::make_unique<SnapshotBuilder>(m_layout, m_last);
     m_skipped = 0;
     take('[');
     if (take(']'))
@@ -471,7 +470,7 @@ std::string_view Reader::textOf(dom::element value, std::string* kept)
 {
     switch (value.type()) {
     case dom::element_type::STRING:
-        return value;
+        return value.get_string().value();
     case dom::element_type::INT64:
         *kept = std::to_string(int64_t(value));
         return *kept;

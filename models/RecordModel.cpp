@@ -5,7 +5,7 @@
 namespace {
 
 /// With more ranges than these, showing the rows anew is faster than telling the views of each.
-constexpr int kMostRanges = 2000;
+constexpr int kMostRanges = 2400;
 /// So many are made before the model looks for those that nobody needs any more.
 constexpr int kObjectsBetweenLooks = 512;
 
@@ -38,7 +38,8 @@ QVariant RecordModel::data(const QModelIndex& index, int role) const
     if (!m_walking || row < m_newEnd) {
         found = object(m_rows[static_cast<std::size_t>(row)]);
     } else {
-        const int oldRow = m_oldRows[static_cast<std::size_t>(row - m_newEnd + m_oldFrom)];
+        const int oldRow =
+            m_oldRows.at(static_cast<std::size_t>(row - m_newEnd) + static_cast<std::size_t>(m_oldFrom));
         const int now = newRow(oldRow);
         found = now >= 0 ? object(now) : goneObject(oldRow);
     }

@@ -2,7 +2,6 @@
 
 #include <QThreadPool>
 
-#include <algorithm>
 #include <cstring>
 
 #ifdef __GLIBC__
@@ -12,8 +11,8 @@
 namespace {
 
 constexpr std::size_t kLargeSnapshot = 1000;
-/// From this many freed records on, their memory is given back to the system.
-constexpr std::ptrdiff_t kManyRecords = 10000;
+/// After one of this size, free memory is given back to the system.
+constexpr std::size_t kHugeSnapshot = 10000;
 
 template <class T>
 T readAt(const char* place)
@@ -31,16 +30,14 @@ void append(std::string* bytes, T value)
 
 void destroy(const Snapshot* snapshot)
 {
-    const auto& records = snapshot->records;
-    const auto freed = std::count_if(records.begin(), records.end(), [](const Record::Ptr& record) {
-        return record->ref.loadRelaxed() == 1;
-    });
+    const bool trim = snapshot->records.size() >= kHugeSnapshot;
     delete snapshot;
 #ifdef __GLIBC__
-    if (freed >= kManyRecords)
+    // What reading the next one took lies between its records, in the heap of whichever worker did it.
+    if (trim)
         malloc_trim(0);
 #else
-    Q_UNUSED(freed)
+    Q_UNUSED(trim)
 #endif
 }
 

@@ -18,6 +18,7 @@ Item {
     property var filters: ({ uid: [], device_id: [], status: [], farm_profile: [] })
     /// The filters of a page that is being built are no change: the clones stay filtered as they were.
     property bool opened: false
+    property bool filtersApplied: false
     readonly property bool filtering: Object.values(filters).some(values => values.length > 0)
 
     function setFilter(column, values) {
@@ -25,6 +26,7 @@ Item {
     }
 
     function applyFilters() {
+        filtersApplied = true
         AppManager.updateFilteredClone(
                     Object.assign({}, filters, { status: filters.status.map(Format.cloneStatusCode) }))
     }
@@ -51,7 +53,10 @@ Item {
         target: AppManager
 
         // From the first list on that this page has asked for, its own filters hold.
-        function onGetCloneListDone() { page.applyFilters() }
+        function onGetCloneListDone() {
+            if (!page.filtersApplied)
+                page.applyFilters()
+        }
     }
 
     Connections {
@@ -129,12 +134,12 @@ Item {
                 function widen() { wide = true }
 
                 objectName: "cloneView"
-                // The area reaches below the page; the last row stands clear of that and of the tool box.
+                // The area reaches below the page; the last row stands clear of that, of the tool box and of the note.
                 anchors.fill: parent
                 anchors.bottomMargin: area.y + area.height - page.height + (toolBox.hidden ? 0 : toolBox.height)
+                                      + (ticksNote.visible ? ticksNote.height : 0)
                 // Keeps the rows around the view built: bit by bit, but not those that a first layout asks for.
                 cacheBuffer: wide ? 3 * height : 0
-                bottomMargin: ticksNote.visible ? ticksNote.height : 0
                 model: AppModel.cloneModel
                 emptyText: page.filtering ? qsTr("No clones pass the filter") : qsTr("No clones")
 
