@@ -48,7 +48,7 @@ struct Application::Job {
 
     /// Calls @p handler with the controller on the UI thread, unless the controller is gone by then.
     template <typename Handler>
-    void deliver(Handler handler) const
+    void deliver(const Handler& handler) const
     {
         const auto call = [app = controller, handler = std::move(handler)] {
             if (app)
@@ -59,7 +59,7 @@ struct Application::Job {
 
     /// The same, unless the token has changed since: what was asked for one account is not shown to another.
     template <typename Handler>
-    void deliverForToken(Handler handler) const
+    void deliverForToken(const Handler& handler) const
     {
         deliver([asked = token, handler = std::move(handler)](Application* app) {
             if (currentToken() == asked)
@@ -193,6 +193,17 @@ void Application::onGetUserInfo(const QVariant& userInfo)
 
 // Lists
 
+ListReading Application::readList(const List& list, const Job& job, const SnapshotPtr& last)
+{
+    RawAnswer answer;
+    if (!list.ask(*job.api, job.token, &answer))
+        return {};
+    ListReading reading = list.read(answer.bytes, last, job.token);
+    if (!reading.success)
+        LOG_D << list.failure << ": " << reading.message;
+    return reading;
+}
+
 void Application::fetch(const List& list)
 {
     Fetch& latest = this->*list.fetch;
@@ -203,13 +214,7 @@ void Application::fetch(const List& list)
     latest = {latest.number + 1, currentToken(), true, false};
     const SnapshotPtr last = (AppModel::instance()->*list.model)()->snapshot();
     start([&list, number = latest.number, last](const Job& job) {
-        RawAnswer answer;
-        ListReading reading;
-        if (list.ask(*job.api, job.token, &answer)) {
-            reading = list.read(answer.bytes, last, job.token);
-            if (!reading.success)
-                LOG_D << list.failure << ": " << reading.message;
-        }
+        const ListReading reading = readList(list, job, last);
         job.deliver([&list, number, token = job.token,
                      difference = DifferencePtr(reading.difference)](Application* app) {
             Fetch& mine = app->*list.fetch;
@@ -219,7 +224,7 @@ void Application::fetch(const List& list)
             mine.underWay = false;
             if (currentToken() != token)
                 return;
-            emit(app->*list.done)(difference);
+            (app->*list.done)(difference);
             if (!difference)
                 emit app->pushNotification(Error, tr(list.failure));
             if (mine.again)

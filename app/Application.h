@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/BuildNumber.h"
-#include "models/Difference.h"
+#include "models/ListReader.h"
 
 #include <QObject>
 #include <QSettings>
@@ -100,6 +100,8 @@ private:
     static const List kDevices;
     static const List kClones;
     void fetch(const List& list);
+    /// On a worker: asks for the list, and reads what comes.
+    static ListReading readList(const List& list, const Job& job, const SnapshotPtr& last);
 
     /// Notifies the user of how a change ended; of a success only if @p success has text. Returns @p done.
     bool announce(bool done, const QString& failure, const QString& success = QString());
