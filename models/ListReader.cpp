@@ -2,12 +2,12 @@
 
 #include "logging/Log.h"
 #include "models/Json.h"
+#include "models/LooseJson.h"
 
 #include <simdjson.h>
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 
 namespace {
 
@@ -20,30 +20,6 @@ constexpr std::size_t kLargestPart = 3584 * 1024;
 constexpr std::size_t kMostRecords = 1000000;
 constexpr std::size_t kDeepest = 1024;
 constexpr std::size_t kNowhere = std::string_view::npos;
-
-/// A hash that is as fast as memory: four sums side by side, 32 bytes a step. Not for keeping secrets.
-quint64 hashOf(std::string_view bytes, quint64 seed)
-{
-    constexpr quint64 factor = 0x9e3779b97f4a7c15U;
-    quint64 sums[4] = {seed, seed ^ factor, seed + factor, ~seed};
-    const auto mix = [](quint64 sum, quint64 word) {
-        sum = (sum ^ word) * factor;
-        return sum ^ (sum >> 29);
-    };
-    quint64 words[4];
-    std::size_t at = 0;
-    for (; at + sizeof words <= bytes.size(); at += sizeof words) {
-        std::memcpy(words, bytes.data() + at, sizeof words);
-        for (int lane = 0; lane < 4; ++lane)
-            sums[lane] = mix(sums[lane], words[lane]);
-    }
-    std::fill(std::begin(words), std::end(words), 0);
-    std::memcpy(words, bytes.data() + at, bytes.size() - at);
-    quint64 hash = bytes.size();
-    for (int lane = 0; lane < 4; ++lane)
-        hash = mix(hash, mix(sums[lane], words[lane]));
-    return hash;
-}
 
 bool isSpace(char c)
 {
@@ -68,7 +44,7 @@ private:
     bool readRecord(dom::object object);
     const RecordLayout::Field* fieldAt(std::size_t position, std::string_view key);
     void readField(const RecordLayout::Field& field, dom::element value);
-    void resetGroup(std::string_view group);
+    void reset(const RecordLayout::Field& field);
     std::string_view textOf(dom::element value, std::string* kept);
 
     void skipSpace();
@@ -79,7 +55,6 @@ private:
     std::size_t foundEnd();
     bool parse(std::string_view part);
     bool parseOrMend(std::string_view part);
-    static std::string mended(std::string_view part);
 
     const std::string_view m_answer;
     const RecordLayout& m_layout;
@@ -153,39 +128,17 @@ std::size_t Reader::endOfValue(std::size_t at)
 {
     std::size_t depth = 0;
     while (at < m_answer.size()) {
-        switch (m_answer[at]) {
-        case '"':
-            at = endOfText(at);
-            break;
-        case '[':
-        case '{':
-            if (++depth > kDeepest) {
-                fail("The answer is nested too deep");
-                return kNowhere;
-            }
-            ++at;
-            continue;
-        case ']':
-        case '}':
-            if (depth == 0)
-                return at;
-            --depth;
-            ++at;
-            break;
-        case ',':
-        case ' ':
-        case '\n':
-        case '\t':
-        case '\r':
-            if (depth == 0)
-                return at;
-            ++at;
-            continue;
-        default:
-            ++at;
-            continue;
+        const char c = m_answer[at];
+        const bool closes = c == ']' || c == '}';
+        if (depth == 0 && (closes || c == ',' || isSpace(c)))
+            return at;
+        if ((c == '[' || c == '{') && ++depth > kDeepest) {
+            fail("The answer is nested too deep");
+            return kNowhere;
         }
-        if (depth == 0 && at != kNowhere)
+        depth -= closes;
+        at = c == '"' ? endOfText(at) : at + 1;
+        if (depth == 0 && (closes || c == '"') && at != kNowhere)
             return at;
     }
     fail("The answer is cut");
@@ -254,66 +207,11 @@ bool Reader::parseOrMend(std::string_view part)
 {
     if (parse(part))
         return true;
-    std::string other = mended(part);
+    const std::string other = strictJson(part, kLargestPart);
     if (other == part)
         return false;
     m_error.clear();
     return parse(other);
-}
-
-/// Puts into strict JSON what Qt's parser and the services in use let pass: control characters and needless
-/// backslashes in texts, halves of surrogate pairs, whole numbers of more than 64 bits.
-std::string Reader::mended(std::string_view part)
-{
-    std::string result;
-    result.reserve(part.size() + 64);
-    const auto codeUnit = [&](std::size_t at) {
-        quint32 unit = 0;
-        const bool escaped = part.substr(std::min(at, part.size()), 2) == "\\u" && at + 6 <= part.size();
-        if (!escaped || std::from_chars(&part[at + 2], &part[at + 2] + 4, unit, 16).ptr != &part[at + 2] + 4)
-            return 0U;
-        return unit;
-    };
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    bool inText = false;
-    for (std::size_t at = 0; at < part.size() && result.size() <= kLargestPart; ++at) {
-        const char c = part[at];
-        if (c == '"') {
-            inText = !inText;
-            result += c;
-        } else if (inText && static_cast<unsigned char>(c) < 0x20) {
-            constexpr char digits[] = "0123456789abcdef";
-            result += {'\\', 'u', '0', '0', digits[c / 16], digits[c % 16]};
-        } else if (inText && c == '\\' && at + 1 < part.size()) {
-            const quint32 unit = codeUnit(at);
-            const bool high = (unit & 0xfc00) == 0xd800;
-            if (high && (codeUnit(at + 6) & 0xfc00) == 0xdc00) {
-                result += part.substr(at, 12);
-                at += 11;
-            } else if (high || (unit & 0xfc00) == 0xdc00) {
-                result += "\\ufffd";
-                at += 5;
-            } else {
-                if (std::strchr("\"\\/bfnrtu", part[at + 1]))
-                    result += c;
-                result += part[++at];
-            }
-        } else if (!inText && (isDigit(c) || c == '-')) {
-            std::size_t end = at + 1;
-            while (end < part.size() && isDigit(part[end]))
-                ++end;
-            result += part.substr(at, end - at);
-            qint64 number = 0;
-            const bool whole = end >= part.size() || !std::strchr(".eE", part[end]);
-            if (whole && std::from_chars(&part[at], &part[at] + (end - at), number).ec ==
-                             std::errc::result_out_of_range)
-                result += "e0";
-            at = end - 1;
-        } else {
-            result += c;
-        }
-    }
-    return result;
 }
 
 // The envelope
@@ -417,12 +315,8 @@ bool Reader::readRecord(dom::object object)
 {
     if (m_builder->size() == kMostRecords)
         return fail("The list has more than 1,000,000 records");
-    for (const RecordLayout::Field& field : m_layout.fields()) {
-        if (field.kind == RecordLayout::Text)
-            m_texts[static_cast<std::size_t>(field.slot)] = {};
-        else if (field.kind != RecordLayout::Group)
-            m_numbers[static_cast<std::size_t>(field.slot)] = field.initial();
-    }
+    for (const RecordLayout::Field& field : m_layout.fields())
+        reset(field);
     std::size_t position = 0;
     for (const dom::key_value_pair member : object) {
         const auto* const field = fieldAt(position++, member.key);
@@ -432,7 +326,10 @@ bool Reader::readRecord(dom::object object)
             readField(*field, member.value);
             continue;
         }
-        resetGroup(field->key);
+        for (const RecordLayout::Field& inner : m_layout.fields()) {
+            if (inner.group == field->key)
+                reset(inner);
+        }
         if (!member.value.is_object())
             continue;
         for (const dom::key_value_pair inner : dom::object(member.value)) {
@@ -454,16 +351,13 @@ const RecordLayout::Field* Reader::fieldAt(std::size_t position, std::string_vie
     return m_expected[position] = m_layout.find(key);
 }
 
-void Reader::resetGroup(std::string_view group)
+void Reader::reset(const RecordLayout::Field& field)
 {
-    for (const RecordLayout::Field& field : m_layout.fields()) {
-        if (field.group != group)
-            continue;
-        if (field.kind == RecordLayout::Text)
-            m_texts[static_cast<std::size_t>(field.slot)] = {};
-        else
-            m_numbers[static_cast<std::size_t>(field.slot)] = field.initial();
-    }
+    const auto slot = static_cast<std::size_t>(field.slot);
+    if (field.kind == RecordLayout::Text)
+        m_texts[slot] = {};
+    else if (field.kind != RecordLayout::Group)
+        m_numbers[slot] = field.initial();
 }
 
 std::string_view Reader::textOf(dom::element value, std::string* kept)
@@ -539,7 +433,7 @@ ListReading Reader::read(const AnswerMark& mark)
 ListReading readList(std::string_view answer, const RecordLayout& layout, const SnapshotPtr& last,
                      const QString& owner)
 {
-    const AnswerMark mark{answer.size(), hashOf(answer, qHash(owner))};
+    const AnswerMark mark = AnswerMark::of(answer, owner);
     if (mark == last->mark) {
         auto same = std::make_shared<Difference>();
         same->before = same->after = last;

@@ -2,6 +2,7 @@
 
 #include <QThreadPool>
 
+#include <algorithm>
 #include <cstring>
 
 #ifdef __GLIBC__
@@ -30,14 +31,12 @@ void append(std::string* bytes, T value)
 
 void destroy(const Snapshot* snapshot)
 {
-    const bool trim = snapshot->records.size() >= kHugeSnapshot;
+    [[maybe_unused]] const bool trim = snapshot->records.size() >= kHugeSnapshot;
     delete snapshot;
 #ifdef __GLIBC__
     // What reading the next one took lies between its records, in the heap of whichever worker did it.
     if (trim)
         malloc_trim(0);
-#else
-    Q_UNUSED(trim)
 #endif
 }
 
@@ -127,6 +126,31 @@ void RecordLayout::apply(const Record& record, ListRecord* object) const
         if (field.apply)
             field.apply(object, record, field.slot);
     }
+}
+
+// A hash that is as fast as memory: four sums side by side, 32 bytes a step. Not for keeping secrets.
+AnswerMark AnswerMark::of(std::string_view bytes, const QString& owner)
+{
+    const quint64 seed = qHash(owner);
+    constexpr quint64 factor = 0x9e3779b97f4a7c15U;
+    quint64 sums[4] = {seed, seed ^ factor, seed + factor, ~seed};
+    const auto mix = [](quint64 sum, quint64 word) {
+        sum = (sum ^ word) * factor;
+        return sum ^ (sum >> 29);
+    };
+    quint64 words[4];
+    std::size_t at = 0;
+    for (; at + sizeof words <= bytes.size(); at += sizeof words) {
+        std::memcpy(words, bytes.data() + at, sizeof words);
+        for (int lane = 0; lane < 4; ++lane)
+            sums[lane] = mix(sums[lane], words[lane]);
+    }
+    std::fill(std::begin(words), std::end(words), 0);
+    std::memcpy(words, bytes.data() + at, bytes.size() - at);
+    quint64 hash = bytes.size();
+    for (int lane = 0; lane < 4; ++lane)
+        hash = mix(hash, mix(sums[lane], words[lane]));
+    return {bytes.size(), hash};
 }
 
 SnapshotPtr share(Snapshot&& snapshot)

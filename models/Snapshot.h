@@ -105,6 +105,9 @@ struct AnswerMark {
     std::size_t length = 0;
     quint64 hash = 0;
 
+    /// Of @p bytes, asked for by @p owner (a token).
+    static AnswerMark of(std::string_view bytes, const QString& owner);
+
     bool operator==(const AnswerMark& other) const { return length == other.length && hash == other.hash; }
 };
 
