@@ -36,10 +36,8 @@ std::string strictJson(std::string_view part, std::size_t limit)
             } else if (high || (unit & 0xfc00) == 0xdc00) {
                 result += "\\ufffd";
                 at += 5;
-            } else {
-                if (std::strchr("\"\\/bfnrtu", part[at + 1]))
-                    result += c;
-                result += part[++at];
+            } else if (std::string_view("\"\\/bfnrtu").find(part[at + 1]) != std::string_view::npos) {
+                result += part.substr(at++, 2);
             }
         } else if (!inText && (isDigit(c) || c == '-')) {
             std::size_t end = at + 1;
