@@ -170,21 +170,11 @@ void RecordModel::tickShown(bool ticked)
         if (mark & Shown)
             mark = ticked ? Shown | Ticked : Shown;
     }
-    announceTicks();
+    tellObjects();
 }
 
-std::vector<int> RecordModel::tickedRows() const
-{
-    std::vector<int> rows;
-    for (std::size_t row = 0; row < m_marks.size(); ++row) {
-        if (m_marks[row] & Ticked)
-            rows.push_back(static_cast<int>(row));
-    }
-    return rows;
-}
-
-/// Counts the ticks, and tells the objects of theirs.
-void RecordModel::announceTicks()
+/// Counts the ticks, and gives the objects their places and marks.
+void RecordModel::tellObjects()
 {
     const auto count = [this](quint8 mark) {
         return static_cast<int>(std::count(m_marks.begin(), m_marks.end(), mark));
@@ -194,8 +184,11 @@ void RecordModel::announceTicks()
     const bool changed = std::exchange(m_ticked, all) != all || m_tickedHidden != hidden;
     m_tickedHidden = hidden;
     const auto objects = m_objects;
-    for (ListRecord* object : objects)
+    for (ListRecord* object : objects) {
+        object->setPlace(object->m_row);
+        object->setFiltered(m_marks[static_cast<std::size_t>(object->m_row)] & Shown);
         object->setSelected(isTicked(object->m_row));
+    }
     if (changed)
         emit ticksChanged();
 }
@@ -231,11 +224,8 @@ RecordModel::Outcome RecordModel::refresh(const Difference& difference)
     for (std::size_t row = 0; row < m_snapshot->records.size(); ++row) {
         const auto old = static_cast<std::size_t>(difference.oldRows[row]);
         const bool known = difference.oldRows[row] >= 0;
-        if (known && before[old] == m_snapshot->records[row])
-            m_marks.push_back(oldMarks[old]);
-        else
-            m_marks.push_back((known ? oldMarks[old] & Ticked : 0) |
-                              (passes(record(static_cast<int>(row))) ? Shown : 0));
+        const quint8 mark = known ? oldMarks[old] : 0;
+        m_marks.push_back(known && before[old] == m_snapshot->records[row] ? mark : marked(row, mark));
     }
 
     const QHash<int, ListRecord*> objects = std::exchange(m_objects, {});
@@ -253,16 +243,11 @@ RecordModel::Outcome RecordModel::refresh(const Difference& difference)
     outcome.list = !difference.sameOrder();
     if (outcome.list)
         m_listRead = false;
-    outcome.shown = show(rowsThatPass());
+    outcome.shown = show(rowsWith(Shown));
 
     for (ListRecord* object : changed)
         object->assign(record(object->m_row));
-    const auto present = m_objects;
-    for (ListRecord* object : present) {
-        object->setPlace(object->m_row);
-        object->setFiltered(m_marks[static_cast<std::size_t>(object->m_row)] & Shown);
-    }
-    announceTicks();
+    tellObjects();
     emit refreshed();
     m_gone.clear();
     m_oldRows.clear();
@@ -274,23 +259,27 @@ RecordModel::Outcome RecordModel::setFilter(Filter filter)
 {
     m_filter = std::move(filter);
     for (std::size_t row = 0; row < m_marks.size(); ++row)
-        m_marks[row] = (m_marks[row] & Ticked) | (passes(record(static_cast<int>(row))) ? Shown : 0);
+        m_marks[row] = marked(row, m_marks[row]);
     Outcome outcome;
-    outcome.shown = show(rowsThatPass());
+    outcome.shown = show(rowsWith(Shown));
     m_oldRows.clear();
-    const auto present = m_objects;
-    for (ListRecord* object : present)
-        object->setFiltered(m_marks[static_cast<std::size_t>(object->m_row)] & Shown);
-    announceTicks();
+    tellObjects();
     return outcome;
 }
 
-std::vector<int> RecordModel::rowsThatPass() const
+/// What a row is marked with once the filter has seen it; the tick is that of @p before.
+quint8 RecordModel::marked(std::size_t row, quint8 before) const
+{
+    const bool passes = !m_filter || m_filter(*m_snapshot->records[row]);
+    return (before & Ticked) | (passes ? Shown : 0);
+}
+
+std::vector<int> RecordModel::rowsWith(Mark mark) const
 {
     std::vector<int> rows;
     rows.reserve(m_marks.size());
     for (std::size_t row = 0; row < m_marks.size(); ++row) {
-        if (m_marks[row] & Shown)
+        if (m_marks[row] & mark)
             rows.push_back(static_cast<int>(row));
     }
     rows.shrink_to_fit();

@@ -52,7 +52,7 @@ public:
     /// Ticks or unticks every record that passes the filter.
     void tickShown(bool ticked);
     /// In the list's order.
-    std::vector<int> tickedRows() const;
+    std::vector<int> tickedRows() const { return rowsWith(Ticked); }
     int ticked() const { return m_ticked; }
     int tickedHidden() const { return m_tickedHidden; }
 
@@ -86,13 +86,13 @@ private:
     ListRecord* goneObject(int oldRow) const;
     ListRecord* makeObject(int row, const Record& record) const;
     QList<QObject*> listOf(const std::vector<int>& rows) const;
-    bool passes(const Record& record) const { return !m_filter || m_filter(record); }
-    std::vector<int> rowsThatPass() const;
+    quint8 marked(std::size_t row, quint8 before) const;
+    std::vector<int> rowsWith(Mark mark) const;
     int newRow(int oldRow) const;
     std::vector<int> rowsBefore(const std::vector<int>& rows) const;
     std::vector<Step> steps(const std::vector<int>& rows) const;
     bool show(std::vector<int> rows);
-    void announceTicks();
+    void tellObjects();
     void dropGone();
     void dropUnused();
 
