@@ -74,7 +74,7 @@ DefinitionsPush readPush(Exchange& exchange)
         push.size += piece.size();
     });
     push.sha256 = hash.result();
-    // Clients write quotes and line ends so.
+    // This is how clients escape quotes and line ends.
     push.fileName =
         parameter(file, "filename").replace("%22", "\"").replace("%0D", "\r").replace("%0A", "\n");
     push.isValid = body.readUntil("\r\n") == "--" && parameter(field, "name") == "version" &&

@@ -21,7 +21,7 @@ int fail(const QString& message)
     return 1;
 }
 
-/// Only for bad arguments: before anything has started that would have to be ended.
+/// Only for bad arguments, before anything runs that would have to be shut down.
 [[noreturn]] void failUsage(const QString& message)
 {
     fail(message);

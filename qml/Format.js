@@ -70,7 +70,7 @@ function rate(job) {
         return 40
     else if (job === "facebook_page_like_type_1")
         return 35
-    // Never reached; the two kinds of page like are told apart by nothing yet.
+    // Unreachable: both kinds of page like still share one name.
     else if (job === "facebook_page_like_type_1")
         return 30
     return 0

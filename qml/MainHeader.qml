@@ -119,7 +119,7 @@ Item {
                 elide: Text.ElideNone
             }
 
-            // A text of several lines does not cut each of them by itself.
+            // A text of several lines cannot elide each of them.
             ShortLine { id: shortName; text: root.fullName }
 
             ShortLine { id: shortToken; text: Format.line(AppModel.userInfo.token) }

@@ -24,7 +24,7 @@ Item {
     Rectangle {
         objectName: "notificationBackground"
         anchors.fill: parent
-        radius: 2
+        radius: QmlDefines.fieldRadius
         opacity: 0.9
         color: root.type === root._MSG_TYPE_ERROR ? QmlDefines.errorColor
              : root.type === root._MSG_TYPE_WARNING ? QmlDefines.warningColor : QmlDefines.infoColor

@@ -29,6 +29,7 @@ QtObject {
     readonly property color ruleColor: "#99ccff"
     readonly property color menuRuleColor: "#cce6ff"
     readonly property color headRuleColor: "#4d4d4d"
+    readonly property color outlineColor: "black"
 
     // Controls
     readonly property color buttonColor: "#99ccff"
@@ -48,8 +49,14 @@ QtObject {
     // Sizes in pixels
     readonly property int rowHeight: 50
     readonly property int lineHeight: 30
+    readonly property int cellHeight: 48
+    readonly property int fieldHeight: 36
+    readonly property int buttonWidth: 80
+    readonly property int buttonHeight: 40
+    readonly property int nameWidth: 200
     readonly property int iconSize: 30
     readonly property int noteSize: 15
+    readonly property int fieldRadius: 2
     readonly property int controlRadius: 4
     readonly property int entryRadius: 5
     readonly property int panelRadius: 10

@@ -137,8 +137,7 @@ int ZipArchive::Unzip(const fs::path& directory)
 {
     int files = 0;
     const bool done = Attempt([&] {
-        // A pass that writes nothing goes before; the other checks again, since the file may change
-        // meanwhile.
+        // The first pass writes nothing. The second checks everything again, since the file may have changed.
         for (const bool writes : {false, true}) {
             const auto reader = Reader();
             ZipRules rules;

@@ -25,7 +25,7 @@ Rectangle {
         objectName: "expandButton"
         anchors { bottom: parent.top; horizontalCenter: parent.horizontalCenter }
         width: 50
-        height: 30
+        height: QmlDefines.lineHeight
         onUpChanged: root.hidden = up
     }
 
@@ -73,9 +73,9 @@ Rectangle {
                 width: profileIcon.width + profileBox.width + 10
                 height: resetButton.height
                 color: "transparent"
-                border.color: "black"
+                border.color: QmlDefines.outlineColor
                 border.width: profileBox.pressed ? 1 : 0
-                radius: 5
+                radius: QmlDefines.entryRadius
 
                 Icon {
                     id: profileIcon
@@ -91,7 +91,7 @@ Rectangle {
 
                     objectName: "profileBox"
                     anchors { left: profileIcon.right; leftMargin: 5 }
-                    width: 200
+                    width: QmlDefines.nameWidth
                     height: parent.height
                     model: AppModel.userInfo.farmProfiles
                     textRole: "profileName"
@@ -131,7 +131,7 @@ Rectangle {
         SelectAllCheckbox {
             objectName: "selectAll"
             anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-            height: 40
+            height: QmlDefines.buttonHeight
             onCheckedChanged: root.selectAllChanged(checked)
         }
     }

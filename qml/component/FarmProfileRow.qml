@@ -51,7 +51,7 @@ ListRow {
         id: nameField
 
         objectName: "profileName"
-        width: 200
+        width: QmlDefines.nameWidth
         height: QmlDefines.rowHeight
         leftPadding: 20
         maximumLength: QmlDefines.nameLength
@@ -77,7 +77,7 @@ ListRow {
         id: editor
 
         objectName: "editor"
-        x: 200
+        x: QmlDefines.nameWidth
         width: parent.width - x
         active: false
         visible: row.expanded

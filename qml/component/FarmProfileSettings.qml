@@ -78,7 +78,7 @@ Item {
         activeFocusOnTab: true
         currentIndex: -1
         highlightFollowsCurrentItem: false
-        // An open editor is taller than the view, and closed ones must not be made again while it is passed.
+        // An open editor is taller than the view: closed rows are not to be rebuilt while scrolling past it.
         cacheBuffer: 2000
         model: rows
 

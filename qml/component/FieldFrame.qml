@@ -7,6 +7,6 @@ Rectangle {
     property color focusedColor: QmlDefines.inputColor
     property color restColor: QmlDefines.dimColor
 
-    radius: 2
+    radius: QmlDefines.fieldRadius
     border.color: focused ? focusedColor : restColor
 }

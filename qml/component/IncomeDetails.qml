@@ -88,7 +88,7 @@ Rectangle {
                     id: device
 
                     objectName: "device"
-                    width: 200
+                    width: QmlDefines.nameWidth
                     height: parent.height
                     text: qsTr("Device: ") + Format.line(entry.modelData.key)
                 }
@@ -97,7 +97,7 @@ Rectangle {
                     anchors.verticalCenter: parent.verticalCenter
                     width: 1
                     height: parent.height / 2
-                    color: "black"
+                    color: QmlDefines.outlineColor
                     opacity: 0.8
                 }
 
@@ -105,7 +105,7 @@ Rectangle {
                     id: income
 
                     objectName: "income"
-                    width: 200
+                    width: QmlDefines.nameWidth
                     height: parent.height
                     text: qsTr("Estimated income: ") + Format.groupedUnpadded(Format.income(entry.modelData.value)) + " vnd"
                 }

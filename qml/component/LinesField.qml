@@ -140,7 +140,7 @@ FocusScope {
 
             Accessible.name: placeholderText
 
-            // The tabulator leads on, it is no part of a clone.
+            // Tab moves the focus on; it is never part of a clone.
             Keys.priority: Keys.BeforeItem
             Keys.onTabPressed: nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
             Keys.onBacktabPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)

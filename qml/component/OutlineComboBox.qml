@@ -47,7 +47,7 @@ ComboBox {
         implicitHeight: 40
         border.color: QmlDefines.inputColor
         border.width: root.visualFocus ? 2 : 1
-        radius: 2
+        radius: QmlDefines.fieldRadius
     }
 
     popup: Popup {
@@ -67,6 +67,6 @@ ComboBox {
             ScrollIndicator.vertical: ScrollIndicator {}
         }
 
-        background: Rectangle { border.color: QmlDefines.inputColor; radius: 2 }
+        background: Rectangle { border.color: QmlDefines.inputColor; radius: QmlDefines.fieldRadius }
     }
 }

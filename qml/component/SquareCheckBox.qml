@@ -25,7 +25,7 @@ T.CheckBox {
             anchors.centerIn: parent
             width: root.size / 2
             height: width
-            radius: 2
+            radius: QmlDefines.fieldRadius
             color: root.ink
             visible: root.checked
         }

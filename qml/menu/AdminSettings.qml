@@ -91,7 +91,7 @@ Item {
                 objectName: "apply"
                 anchors.centerIn: parent
                 width: 60
-                height: 40
+                height: QmlDefines.buttonHeight
                 text: qsTr("Apply")
                 enabled: page.config !== null
                 onClicked: page.apply()

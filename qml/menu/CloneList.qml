@@ -157,7 +157,8 @@ Item {
             }
         }
 
-        // Without height at the page's lower edge: the tool box slides out of it, and never on a resize.
+        // A strip without height at the page's lower edge. The tool box slides out of it, but not when the window
+        // is resized.
         Item {
             anchors.bottom: parent.bottom
             width: parent.width

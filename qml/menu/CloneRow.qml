@@ -16,10 +16,10 @@ ListRow {
 
     signal toolBoxRequested()
 
-    // A TableCell in all but its base, which would be one more layer in each of thousands.
+    // Like TableCell, but directly on Text: one layer less in each of thousands of cells.
     component Cell: Text {
         width: row.columnWidth
-        height: 48
+        height: QmlDefines.cellHeight
         padding: 4
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
@@ -58,7 +58,7 @@ ListRow {
     Rectangle {
         objectName: "rowBackground"
         width: parent.width
-        height: 48
+        height: QmlDefines.cellHeight
         radius: QmlDefines.rowRadius
         color: row.modelData.selected || row.current ? QmlDefines.currentRowColor : "transparent"
     }

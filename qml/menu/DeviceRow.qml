@@ -160,7 +160,7 @@ ListRow {
         x: 4 * row.cellWidth + 10
         y: 7
         width: row.cellWidth - 20
-        height: 36
+        height: QmlDefines.fieldHeight
         model: ["wifi", "cellular"]
 
         Accessible.name: qsTr("Connectivity")
@@ -177,7 +177,7 @@ ListRow {
         x: 5 * row.cellWidth + 10
         y: 7
         width: row.cellWidth - 20
-        height: 36
+        height: QmlDefines.fieldHeight
         leftPadding: 12
         rightPadding: 12
         maximumLength: QmlDefines.nameLength

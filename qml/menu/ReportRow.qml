@@ -14,7 +14,7 @@ ListRow {
     readonly property bool empty: jobs.length === 0
     property var jobs: []
     /// As wide as the widest name of this day needs it.
-    property real nameWidth: 200
+    property real nameWidth: QmlDefines.nameWidth
 
     signal detailsRequested()
 
@@ -24,7 +24,7 @@ ListRow {
     }
 
     objectName: "reportRow" + index
-    height: Math.max(jobList.height, empty ? 30 : 40) + 10
+    height: Math.max(jobList.height, empty ? QmlDefines.lineHeight : QmlDefines.buttonHeight) + 10
 
     Accessible.name: modelData.date
 
@@ -32,7 +32,7 @@ ListRow {
     Keys.onEnterPressed: function(event) { open(event) }
 
     onTotalsChanged: {
-        nameWidth = 200
+        nameWidth = QmlDefines.nameWidth
         jobs = Format.entries(totals)
     }
 
@@ -45,7 +45,7 @@ ListRow {
 
     PlainText {
         objectName: "noData"
-        x: 200
+        x: QmlDefines.nameWidth
         height: QmlDefines.lineHeight
         visible: row.empty
         text: qsTr("No data")
@@ -56,9 +56,9 @@ ListRow {
         id: jobList
 
         objectName: "jobs"
-        x: 200
+        x: QmlDefines.nameWidth
         width: summary.x - x
-        height: Math.max(0, count * 34 - spacing)
+        height: Math.max(0, count * (QmlDefines.lineHeight + spacing) - spacing)
         interactive: false
         spacing: 4
         model: row.jobs
@@ -101,7 +101,7 @@ ListRow {
         objectName: "summary"
         anchors.right: parent.right
         width: 400
-        height: 40
+        height: QmlDefines.buttonHeight
         opacity: row.empty ? 0 : 1
         enabled: !row.empty
 
@@ -117,8 +117,8 @@ ListRow {
 
             objectName: "details"
             anchors { right: parent.right; rightMargin: 20 }
-            width: 80
-            height: 40
+            width: QmlDefines.buttonWidth
+            height: QmlDefines.buttonHeight
             text: qsTr("Details")
             onActiveFocusChanged: if (activeFocus) row.view.currentIndex = row.index
             onClicked: row.detailsRequested()

@@ -17,7 +17,7 @@ PListView {
 
     Accessible.name: qsTr("Make money")
 
-    // The Loader stretches the page with every change of its own size, unknown to the binding.
+    // The Loader resizes the page whenever its own size changes, past the binding.
     onWidthChanged: if (parent) width = Qt.binding(slimWidth)
     onPullToRefreshReleased: AppManager.getReports()
 

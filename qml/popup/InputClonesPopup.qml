@@ -50,7 +50,7 @@ Sheet {
                 id: profileBox
 
                 objectName: "profileBox"
-                width: 200
+                width: QmlDefines.nameWidth
                 model: AppModel.userInfo.farmProfiles
                 textRole: "profileName"
 
@@ -74,7 +74,7 @@ Sheet {
         PButton {
             objectName: "addButton"
             anchors.horizontalCenter: parent.horizontalCenter
-            width: 80
+            width: QmlDefines.buttonWidth
             height: 50
             text: qsTr("Add")
             enabled: root.visible && !clones.empty && networkBox.currentText !== "none"

@@ -1,5 +1,6 @@
 import QtQuick 2.15
 import QtQuick.Controls 2.15
+import ".."
 import "../component"
 
 Sheet {
@@ -39,7 +40,7 @@ Sheet {
 
         objectName: "continueButton"
         anchors { top: tokenField.bottom; topMargin: 20; horizontalCenter: parent.horizontalCenter }
-        width: 80
+        width: QmlDefines.buttonWidth
         height: 50
         text: qsTr("Continue")
 

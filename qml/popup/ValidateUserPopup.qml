@@ -51,8 +51,7 @@ Sheet {
         onClicked: AppModel.userInfo.token = ""
     }
 
-    // A request that failed is not announced, so it is tried again; and a token that never gets an answer can be
-    // left behind.
+    // A failed request is not reported, so it is tried again. A token that is never answered can be abandoned.
     Timer {
         objectName: "retryTimer"
         interval: 10000

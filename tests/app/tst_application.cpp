@@ -188,7 +188,11 @@ private slots:
         for (int i = 0; i < 4; ++i)
             m_app->getDeviceList();
         QTRY_COMPARE(requests("device/list").size(), 1);
-        m_app->getCloneList(); // nothing waits behind the hanging request
+        m_fixture->setFault(api("reports/get"), Fault::Hang);
+        for (int i = 0; i < 14; ++i)
+            m_app->getReports();
+        QTRY_COMPARE(requests("reports/get").size(), 14);
+        m_app->getCloneList(); // nothing waits behind the hanging requests
         QTRY_COMPARE(clones.count(), 1);
         QCOMPARE(devices.count(), 0);
         // However many have asked meanwhile, one more fetch serves them all; another account's does not wait.
@@ -402,6 +406,7 @@ private slots:
         enter();
         m_fixture->setLatency(100);
         QObject* const device = model().deviceList().first();
+        // Closed while the requests go out, while they wait for their answers and while those come in, ms.
         for (const int wait : {0, 50, 100, 150}) {
             m_app->getDeviceList();
             m_app->getCloneList();

@@ -178,7 +178,7 @@ private slots:
         put("temp.dat", "old");
         QProcess manager;
         startManager(&manager);
-        QTRY_VERIFY(!QFile::exists(path("temp.dat")));
+        QTRY_VERIFY_WITH_TIMEOUT(!QFile::exists(path("temp.dat")), kPatience);
         manager.terminate();
         QVERIFY(manager.waitForFinished());
     }
