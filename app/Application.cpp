@@ -16,6 +16,7 @@
 #include <QPointer>
 #include <QtConcurrent>
 
+#include <new>
 #include <utility>
 
 namespace {
@@ -174,7 +175,7 @@ void Application::onGetUserInfo(const QVariant& userInfo)
     UserInfo* const user = AppModel::instance()->userInfo();
     if (!user)
         return;
-    const bool entering = !user->isValidated();
+    bool fetches = !user->isValidated();
     if (!user->applyInfo(answer))
         return;
     m_settings.setValue(kTokenKey, user->token());
@@ -184,8 +185,9 @@ void Application::onGetUserInfo(const QVariant& userInfo)
         // The farm of the account that was signed in before must not stay on the screen.
         m_farmOwner = user->token();
         AppModel::instance()->clearFarm();
+        fetches = true;
     }
-    if (entering) {
+    if (fetches) {
         fetch(kClones);
         fetch(kDevices);
     }
@@ -198,7 +200,13 @@ ListReading Application::readList(const List& list, const Job& job, const Snapsh
     RawAnswer answer;
     if (!list.ask(*job.api, job.token, &answer))
         return {};
-    ListReading reading = list.read(answer.bytes, last, job.token);
+    ListReading reading;
+    try {
+        reading = list.read(answer.bytes, last, job.token);
+    } catch (const std::bad_alloc&) {
+        // The list of before stays, and may be asked for again.
+        reading.message = QStringLiteral("Out of memory");
+    }
     if (!reading.success)
         LOG_D << list.failure << ": " << reading.message;
     return reading;

@@ -9,7 +9,7 @@
 std::string strictJson(std::string_view part, std::size_t limit)
 {
     std::string result;
-    result.reserve(part.size() + 64);
+    result.reserve(std::min(part.size(), limit) + 64);
     const auto codeUnit = [&](std::size_t at) {
         quint32 unit = 0;
         const bool escaped = part.substr(std::min(at, part.size()), 2) == "\\u" && at + 6 <= part.size();

@@ -135,7 +135,9 @@ QList<QObject*> RecordModel::shownObjects()
 
 void RecordModel::visitObjects(const std::function<void(ListRecord*, const Record&)>& visit) const
 {
-    for (auto it = m_objects.cbegin(); it != m_objects.cend(); ++it)
+    // What hears of a change may ask for a row that has no object yet.
+    const auto objects = m_objects;
+    for (auto it = objects.cbegin(); it != objects.cend(); ++it)
         visit(it.value(), record(it.key()));
 }
 

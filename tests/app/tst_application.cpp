@@ -260,6 +260,17 @@ private slots:
         QCOMPARE(devices.count() + configs.count(), 0);
     }
 
+    void renewedToken()
+    {
+        enter();
+        m_fixture->setReply(api("user/get-info"), 200,
+                            "{\"success\":true,\"data\":{\"token\":\"" + m_fixture->userToken().toUtf8() +
+                                "\"}}");
+        m_app->checkUser();
+        QTRY_COMPARE(model().userInfo()->token(), m_fixture->userToken());
+        QTRY_VERIFY(!model().deviceList().isEmpty() && !model().cloneList().isEmpty());
+    }
+
     void lists()
     {
         enter();
